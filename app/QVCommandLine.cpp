@@ -1,0 +1,41 @@
+#include "QVCommandLine.h"
+
+QVCommandLine QVCommandLine::parse(const QStringList &arguments)
+{
+    QVCommandLine line;
+    for (qsizetype index = 1; index < arguments.size(); ++index) {
+        const QString &argument = arguments[index];
+        if (argument == QLatin1String("--help") || argument == QLatin1String("-h")) {
+            line.showHelp = true;
+        } else if (argument == QLatin1String("--version") || argument == QLatin1String("-v")) {
+            line.showVersion = true;
+        } else if (argument == QLatin1String("--settings")) {
+            if (++index >= arguments.size()) {
+                line.error = QStringLiteral("--settings needs a file");
+                return line;
+            }
+            line.settingsPath = arguments[index];
+        } else if (argument.startsWith(QLatin1String("--settings="))) {
+            line.settingsPath = argument.mid(int(qstrlen("--settings=")));
+        } else {
+            line.error = QStringLiteral("unknown argument \"%1\"").arg(argument);
+            return line;
+        }
+    }
+    return line;
+}
+
+QString QVCommandLine::helpText()
+{
+    return QStringLiteral(
+        "Usage: corvane [--settings FILE]\n"
+        "Drive the mouse pointer from the keyboard with system-wide hot keys.\n"
+        "\n"
+        "  --settings FILE  read and save settings in FILE\n"
+        "                   (default: $CORVANE_SETTINGS, else\n"
+        "                   $XDG_CONFIG_HOME/corvane/settings.json)\n"
+        "  --help           show this text\n"
+        "  --version        show the version\n"
+        "\n"
+        "Corvane needs an X11 display ($DISPLAY).\n");
+}

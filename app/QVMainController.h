@@ -1,0 +1,57 @@
+#pragma once
+
+#include "QVActionEngine.h"
+#include "QVCustomControlManager.h"
+#include "QVHotKeyDelegate.h"
+
+#include <QObject>
+
+#include <memory>
+
+class QAction;
+class QVPlatform;
+class QVUserDefaults;
+
+// The application's controller: it stands for the application in hot key
+// registration, owns the list of controls and hands actions to the engine.
+class QVMainController final : public QObject, public QVHotKeyDelegate
+{
+    Q_OBJECT
+
+public:
+    QVMainController(QVPlatform &platform, QVUserDefaults &defaults, QObject *parent = nullptr);
+    ~QVMainController() override;
+
+    static QVMainController *defaultController();
+    static void setDefaultController(QVMainController *controller);
+
+    // Loads the controls and registers their hot keys.
+    void applicationDidFinishLaunching();
+    // Saves the controls; called once when the application quits.
+    void applicationShouldTerminate();
+
+    bool performActionTriggeredByControl(QVCustomControlRepresentation *control, const QVEvent *event,
+                                         bool isRepetition, bool *shouldRepeat);
+    // The item's data names a control by its unique identifier.
+    void performCustomControlActionForMenuItem(const QAction *item);
+
+    QVCustomControlManager &customControlManager() { return *m_manager; }
+    QVActionEngine &actionEngine() { return m_engine; }
+
+    // QVHotKeyDelegate
+    QList<QVHotKeyRef> hotKeys() const override;
+    quint32 hotKeySignature() const override;
+    QVHotKeyService *hotKeyService() const override;
+    QString identifierForHotKeyTextView(QObject *textView) override;
+    bool shouldSetHotKey(const QVHotKeyRef &hotKey, const QString &identifier) override;
+
+private:
+    void settingsChangedExternally();
+    void registerHotKeysAgain();
+
+    QVPlatform &m_platform;
+    QVUserDefaults &m_defaults;
+    std::unique_ptr<QVCustomControlManager> m_manager;
+    QVActionEngine m_engine;
+    bool m_accountsForCapsLock = false;
+};

@@ -1,0 +1,119 @@
+#include "QVCommandLine.h"
+#include "QVEventDispatcher.h"
+#include "QVEventParserApplication.h"
+#include "QVLog.h"
+#include "QVMainController.h"
+#include "QVTimerDelayedPerformer.h"
+#include "QVUnixSignalWatcher.h"
+#include "QVUserDefaults.h"
+#include "QVX11Platform.h"
+
+#include <QStringList>
+
+#include <cstdio>
+#include <xcb/xcb.h>
+
+namespace {
+
+QStringList argumentList(int argc, char **argv)
+{
+    QStringList arguments;
+    for (int index = 0; index < argc; ++index)
+        arguments.append(QString::fromLocal8Bit(argv[index]));
+    return arguments;
+}
+
+void printLine(std::FILE *stream, const QString &text)
+{
+    std::fputs(text.toLocal8Bit().constData(), stream);
+}
+
+// Corvane drives X11 only; say plainly what is missing before Qt gives up on its own terms.
+bool checkDisplay()
+{
+    const QByteArray display = qgetenv("DISPLAY");
+    if (display.isEmpty()) {
+        if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+            printLine(stderr, QStringLiteral("corvane: this Wayland session offers no X11 display ($DISPLAY is "
+                                             "not set). Corvane needs X11: log in to an X11 session, or run "
+                                             "XWayland.\n"));
+        else
+            printLine(stderr, QStringLiteral("corvane: no X11 display: $DISPLAY is not set. Corvane needs a "
+                                             "running X server.\n"));
+        return false;
+    }
+    xcb_connection_t *probe = xcb_connect(display.constData(), nullptr);
+    const bool reachable = !xcb_connection_has_error(probe);
+    xcb_disconnect(probe);
+    if (!reachable)
+        printLine(stderr, QStringLiteral("corvane: cannot open X11 display \"%1\". Corvane needs a running X "
+                                         "server that this user may connect to.\n")
+                              .arg(QString::fromLocal8Bit(display)));
+    return reachable;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QVCommandLine commandLine = QVCommandLine::parse(argumentList(argc, argv));
+    if (!commandLine.error.isEmpty()) {
+        printLine(stderr, QStringLiteral("corvane: %1\n\n").arg(commandLine.error) + QVCommandLine::helpText());
+        return 2;
+    }
+    if (commandLine.showHelp) {
+        printLine(stdout, QVCommandLine::helpText());
+        return 0;
+    }
+    if (commandLine.showVersion) {
+        printLine(stdout, QStringLiteral("corvane %1\n").arg(QStringLiteral(CORVANE_VERSION)));
+        return 0;
+    }
+    if (!checkDisplay())
+        return 1;
+    qputenv("QT_QPA_PLATFORM", "xcb");
+
+    QVEventParserApplication application(argc, argv);
+    QVEventParserApplication::setApplicationName(QStringLiteral("Corvane"));
+    QVEventParserApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
+    QVEventParserApplication::setQuitOnLastWindowClosed(false);
+
+    QString error;
+    std::unique_ptr<QVX11Platform> platform = QVX11Platform::open(qgetenv("DISPLAY"), &error);
+    if (!platform) {
+        printLine(stderr, QStringLiteral("corvane: %1\n").arg(error));
+        return 1;
+    }
+
+    QVUserDefaults defaults(commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath()
+                                                              : commandLine.settingsPath);
+    QVUserDefaults::setStandardUserDefaults(&defaults);
+
+    QVMainController controller(*platform, defaults);
+    QVMainController::setDefaultController(&controller);
+
+    QVTimerDelayedPerformer repetitionTimer;
+    application.setEventDispatcher(std::make_unique<QVEventDispatcher>(
+        [&controller](const QVEvent *event, bool isRepetition, bool *shouldRepeat) {
+            return controller.performActionTriggeredByControl(nullptr, event, isRepetition, shouldRepeat);
+        },
+        [](const QVEventRef &) {}, // a grabbed key no control claims belongs to no one else
+        *platform, repetitionTimer));
+    platform->setEventHandler([&application](const QVEventRef &event) { application.sendEvent(event); });
+
+    QVUnixSignalWatcher signals;
+    QObject::connect(&signals, &QVUnixSignalWatcher::terminationRequested, &application,
+                     [](int) { QVEventParserApplication::quit(); });
+    QObject::connect(&application, &QVEventParserApplication::aboutToQuit, &controller,
+                     &QVMainController::applicationShouldTerminate);
+
+    controller.applicationDidFinishLaunching();
+    QVLog(QStringLiteral("started on display %1 with %2 controls, settings in %3")
+              .arg(QString::fromLocal8Bit(qgetenv("DISPLAY")))
+              .arg(controller.customControlManager().controls().size())
+              .arg(defaults.filePath()));
+    const int status = QVEventParserApplication::exec();
+    QVMainController::setDefaultController(nullptr);
+    QVUserDefaults::setStandardUserDefaults(nullptr);
+    return status;
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "QVCustomControlRepresentation.h"
+#include "QVCustomControlSelection.h"
+
+#include <QJsonArray>
+#include <QList>
+
+#include <functional>
+
+class QVUserDefaults;
+
+// The ordered list of every custom control: loaded from "Custom Controls" once,
+// saved back when the application quits.
+class QVCustomControlManager final
+{
+public:
+    QVCustomControlManager(QVUserDefaults *defaults, QVHotKeyDelegate *applicationDelegate,
+                           std::function<void()> beep);
+
+    // The instance the application uses, set up by main.
+    static QVCustomControlManager *defaultManager();
+    static void setDefaultManager(QVCustomControlManager *manager);
+
+    // Reads "Custom Controls"; every stored hot key is registered again.
+    void loadControls();
+    void save();
+
+    const QList<QVCustomControlRef> &controls() const { return m_controls; }
+    QJsonArray controlDictionaryRepresentations() const;
+    QVCustomControlRef controlWithUniqueIdentifier(const QString &identifier) const;
+
+    // Appends, or inserts below the lowest selected control when asked to.
+    QVCustomControlRef addControlWithDictionaryRepresentation(const QJsonObject &dictionary,
+                                                              bool belowCurrentSelection);
+    // Removes the selected controls (their hot keys go with them); beeps when none is.
+    void deleteSelectedControls();
+
+    void setSelection(const QVCustomControlSelection *selection) { m_selection = selection; }
+
+    // Whether the user can reach some action: from the status menu, or else by hot key.
+    bool hasAccessibleControlWithStatusItem(bool withStatusItem) const;
+
+private:
+    QVUserDefaults *m_defaults;
+    QVHotKeyDelegate *m_applicationDelegate;
+    std::function<void()> m_beep;
+    const QVCustomControlSelection *m_selection = nullptr;
+    QList<QVCustomControlRef> m_controls;
+};

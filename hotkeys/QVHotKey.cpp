@@ -1,0 +1,176 @@
+#include "QVHotKey.h"
+
+#include "QVDictionaryExtensions.h"
+#include "QVEvent.h"
+#include "QVKeyNames.h"
+#include "QVModifierFlags.h"
+#include "QVUserDefaults.h"
+
+namespace {
+
+quint32 incrementingID = 0;
+constexpr quint32 largestID = 1000000;
+
+const QString identifierKey = QStringLiteral("Identifier");
+const QString visualRepresentationKey = QStringLiteral("Visual Representation");
+const QString keyCodeKey = QStringLiteral("Key Code");
+const QString modifierFlagsKey = QStringLiteral("Modifier Flags");
+
+bool defaultsBool(const char *key)
+{
+    const QVUserDefaults *defaults = QVUserDefaults::standardUserDefaults();
+    return defaults && defaults->boolForKey(QString::fromLatin1(key));
+}
+
+QVCapsLockRule capsLockRule(quint64 flags)
+{
+    if (QVHotKey::ignoreCapsLock())
+        return QVCapsLockRule::Ignored;
+    return (flags & QVModifierFlag::CapsLock) ? QVCapsLockRule::MustBeOn : QVCapsLockRule::MustBeOff;
+}
+
+} // namespace
+
+QVHotKey::QVHotKey(const QString &identifier, const QString &visualRepresentation, quint16 keyCode,
+                   quint64 modifierFlags)
+    : m_identifier(identifier),
+      m_visualRepresentation(visualRepresentation),
+      m_keyCode(keyCode),
+      m_modifierFlags(modifierFlags)
+{
+}
+
+QVHotKey::~QVHotKey()
+{
+    unregister();
+}
+
+QVHotKeyRef QVHotKey::hotKeyWithIdentifer(const QString &identifier, const QString &visualRepresentation,
+                                          quint16 keyCode, quint64 modifierFlags)
+{
+    return std::make_shared<QVHotKey>(identifier, visualRepresentation, keyCode, modifierFlags);
+}
+
+QVHotKeyRef QVHotKey::hotKeyWithDictionaryRepresentation(const QJsonObject &dictionary)
+{
+    const QString identifier = QVStringForKey(dictionary, identifierKey);
+    const QString text = QVStringForKey(dictionary, visualRepresentationKey);
+    if (identifier.isNull() || text.isNull())
+        return nullptr;
+    const quint64 flags = static_cast<quint64>(QVIntegerForKey(dictionary, modifierFlagsKey));
+    const auto keyCode = static_cast<quint16>(QVIntegerForKey(dictionary, keyCodeKey));
+    return hotKeyWithIdentifer(identifier, text, keyCode, flags);
+}
+
+QJsonObject QVHotKey::dictionaryRepresentation() const
+{
+    QJsonObject dictionary;
+    QVTryToSetObject(dictionary, m_identifier, identifierKey);
+    QVTryToSetObject(dictionary, visualRepresentation(), visualRepresentationKey);
+    dictionary.insert(keyCodeKey, m_keyCode);
+    dictionary.insert(modifierFlagsKey, static_cast<double>(m_modifierFlags));
+    return dictionary;
+}
+
+QString QVHotKey::visualRepresentation() const
+{
+    if (m_visualRepresentation.isNull())
+        return {};
+    QString name = QVStringForKeyCode(m_keyCode, false);
+    if (name.isNull()) {
+        name = QVStringByTrimmingModifierPrefix(m_visualRepresentation);
+        if (name.isEmpty())
+            return m_visualRepresentation;
+    }
+    return QVReadableKeyStringPrefixWithModifierFlags(m_modifierFlags) + name;
+}
+
+bool QVHotKey::isEqualToHotKey(const QVHotKey &other) const
+{
+    if (&other == this)
+        return true;
+    return other.m_keyCode == m_keyCode && QVIsModifierFlagsMatch(other.m_modifierFlags, m_modifierFlags);
+}
+
+bool QVHotKey::matchesEvent(const QVEvent *event) const
+{
+    if (!event || !QVIsModifierFlagsMatch(event->modifierFlags, m_modifierFlags))
+        return false;
+    switch (event->type) {
+    case QVEvent::KeyDown:
+        return event->keyCode == m_keyCode;
+    case QVEvent::SystemDefined:
+        return event->subtype == QVEvent::HotKeyPressed
+            && static_cast<quint32>(event->data1) == static_cast<quint32>(m_hotKeyReference);
+    default:
+        return false;
+    }
+}
+
+bool QVHotKey::registerForDelegate(QVHotKeyDelegate *delegate, bool testOnly, QString *reason)
+{
+    if (isRegistered()) {
+        if (testOnly)
+            return true;
+        unregister();
+    }
+    for (const QVHotKeyRef &hotKey : delegate->hotKeys()) {
+        if (hotKey && hotKey.get() != this && hotKey->isEqualToHotKey(*this)) {
+            if (reason)
+                *reason = QStringLiteral("another control uses the same keys");
+            return false;
+        }
+    }
+
+    QVHotKeyRegistration registration;
+    registration.identifier = incrementingID++;
+    registration.signature = delegate->hotKeySignature();
+    if (incrementingID > largestID)
+        incrementingID = 0;
+    registration.keyCode = m_keyCode;
+    registration.carbonModifiers = QVCarbonModifiersFromCocoaModifiers(static_cast<quint32>(m_modifierFlags));
+    registration.capsLock = capsLockRule(m_modifierFlags);
+
+    QVHotKeyService *service = delegate->hotKeyService();
+    if (!service)
+        return false;
+    const std::optional<QVHotKeyService::Handle> handle = service->registerHotKey(registration, reason);
+    if (!handle)
+        return false;
+    if (testOnly) {
+        service->unregisterHotKey(*handle);
+        return true;
+    }
+    m_hotKeyReference = *handle;
+    m_service = service;
+    return true;
+}
+
+void QVHotKey::unregister()
+{
+    if (!m_hotKeyReference)
+        return;
+    m_service->unregisterHotKey(m_hotKeyReference);
+    m_hotKeyReference = 0;
+    m_service = nullptr;
+}
+
+bool QVHotKey::requireExactModifierKeyMatches()
+{
+    return defaultsBool("Hot Keys Require Exact Modifier Key Matches");
+}
+
+bool QVHotKey::ignoreCapsLock()
+{
+    return !defaultsBool("Hot Keys Account For Caps Lock Status");
+}
+
+quint32 QVHotKey::singletonIncrementingID()
+{
+    return incrementingID;
+}
+
+void QVHotKey::setSingletonIncrementingID(quint32 identifier)
+{
+    incrementingID = identifier;
+}

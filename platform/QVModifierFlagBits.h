@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QtGlobal>
+
+// Modifier flags as stored and passed around: the device-independent bits above
+// bit 16, the side of each modifier key in the low bits.
+namespace QVModifierFlag {
+constexpr quint64 CapsLock = 0x10000;
+constexpr quint64 Shift = 0x20000;
+constexpr quint64 Control = 0x40000;
+constexpr quint64 Option = 0x80000;
+constexpr quint64 Command = 0x100000;
+constexpr quint64 Function = 0x800000;
+
+constexpr quint64 LeftControl = 0x1;
+constexpr quint64 RightControl = 0x2000;
+constexpr quint64 LeftShift = 0x2;
+constexpr quint64 RightShift = 0x4;
+constexpr quint64 LeftCommand = 0x8;
+constexpr quint64 RightCommand = 0x10;
+constexpr quint64 LeftOption = 0x20;
+constexpr quint64 RightOption = 0x40;
+
+constexpr quint64 DeviceDependentMask = 0x207F;
+constexpr quint64 DeviceIndependentMask = 0xFFFF0000;
+} // namespace QVModifierFlag
+
+// Modifier bits of the hot key service.
+namespace QVCarbonModifier {
+constexpr quint32 Command = 0x100;
+constexpr quint32 Shift = 0x200;
+constexpr quint32 Option = 0x800;
+constexpr quint32 Control = 0x1000;
+constexpr quint32 Function = 0x20000;
+} // namespace QVCarbonModifier

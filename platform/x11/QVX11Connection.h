@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QSocketNotifier>
+#include <QString>
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include <xcb/xcb.h>
+
+// Corvane's own connection to the X server, apart from Qt's: its grabs, XTest
+// input and per-client keyboard flags must not disturb Qt's event handling.
+// Events are read when the socket has data and before the event loop sleeps.
+class QVX11Connection final : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Listener = std::function<void(const xcb_generic_event_t *)>;
+
+    // Nothing, with error set, when the display cannot be opened.
+    static std::unique_ptr<QVX11Connection> open(const QByteArray &displayName, QString *error);
+    ~QVX11Connection() override;
+
+    xcb_connection_t *get() const { return m_connection; }
+    xcb_screen_t *screen() const { return m_screen; }
+    xcb_window_t root() const { return m_screen->root; }
+
+    void setListener(Listener listener) { m_listener = std::move(listener); }
+    // Called once after each batch of events, for work that a burst should do once.
+    void setBatchEndListener(std::function<void()> listener) { m_batchEnd = std::move(listener); }
+
+    void flush();
+    // Waits until the server has handled every request sent so far.
+    void sync();
+    // After a sync: events the filter takes are consumed now, the rest are kept
+    // for normal dispatch, so nothing re-enters the caller.
+    void drainEvents(const std::function<bool(const xcb_generic_event_t *)> &filter);
+    void processEvents();
+
+private:
+    QVX11Connection(xcb_connection_t *connection, xcb_screen_t *screen);
+    void dispatch(xcb_generic_event_t *event);
+
+    xcb_connection_t *m_connection;
+    xcb_screen_t *m_screen;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    Listener m_listener;
+    std::function<void()> m_batchEnd;
+    std::deque<xcb_generic_event_t *> m_deferred;
+    bool m_dispatching = false;
+};

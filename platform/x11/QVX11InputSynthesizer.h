@@ -1,0 +1,35 @@
+#pragma once
+
+#include "QVGeometry.h"
+
+#include <QSet>
+
+#include <xcb/xcb.h>
+
+class QVX11Connection;
+class QVX11Displays;
+class QVX11Keyboard;
+
+// Pointer motion and buttons through XTest. A button from the private source
+// must not carry the modifiers that the user holds for the hot key: they are
+// released before the press and pressed again after the release, but only those
+// the user still holds, so that no key is left down.
+class QVX11InputSynthesizer final
+{
+public:
+    QVX11InputSynthesizer(QVX11Connection &connection, QVX11Displays &displays, QVX11Keyboard &keyboard);
+
+    bool initialize();
+    bool postMouseMoved(const QVPoint &globalPoint);
+    bool postMouseButton(bool down, bool rightButton, bool usePrivateSource);
+
+private:
+    void fakeInput(uint8_t type, uint8_t detail, int16_t x = 0, int16_t y = 0);
+    void releaseHeldModifiers();
+    void restoreHeldModifiers();
+
+    QVX11Connection &m_connection;
+    QVX11Displays &m_displays;
+    QVX11Keyboard &m_keyboard;
+    QSet<xcb_keycode_t> m_releasedModifiers;
+};

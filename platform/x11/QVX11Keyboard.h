@@ -1,0 +1,71 @@
+#pragma once
+
+#include "QVKeyboardService.h"
+
+#include <QHash>
+#include <QSet>
+#include <QString>
+
+#include <xcb/xcb.h>
+#include <xcb/xcb_keysyms.h>
+
+
+class QVX11Connection;
+
+// The keyboard as Corvane needs it: which keys are modifiers and on which side,
+// which modifier keys are held right now (told by XInput 2 raw key events, which
+// arrive whatever grabs are active), the NumLock mask and the repeat timing.
+class QVX11Keyboard final
+{
+public:
+    explicit QVX11Keyboard(QVX11Connection &connection);
+    ~QVX11Keyboard();
+    QVX11Keyboard(const QVX11Keyboard &) = delete;
+    QVX11Keyboard &operator=(const QVX11Keyboard &) = delete;
+
+    // False when the server lacks XKB or XInput 2.2; error says which.
+    bool initialize(QString *error);
+    // Reads key symbols and modifier map again after a mapping change.
+    void refreshMapping();
+
+    quint8 xkbFirstEvent() const { return m_xkbFirstEvent; }
+    quint8 xinputOpcode() const { return m_xinputOpcode; }
+    bool detectableAutoRepeat() const { return m_detectableAutoRepeat; }
+
+    quint16 numLockMask() const { return m_numLockMask; }
+    // Stored modifier flags for an X state, with the side of each held modifier.
+    quint64 modifierFlagsForState(quint16 state) const;
+    // What the key types without modifiers, e.g. "a" or ",".
+    QString charactersIgnoringModifiers(xcb_keycode_t keyCode) const;
+    bool isKnownKeyCode(xcb_keycode_t keyCode) const;
+
+    QVKeyboardService::RepeatThresholds repeatThresholds() const;
+
+    // Handles an XInput 2 raw key event; false for any other event.
+    bool handleRawKeyEvent(const xcb_generic_event_t *event);
+    // Modifier keys held now, by any device.
+    QSet<xcb_keycode_t> heldModifierKeys() const { return m_heldModifiers; }
+
+    // A release that Corvane itself sends: its echo must not count as the user's.
+    void expectReleaseEcho(xcb_keycode_t keyCode) { m_expectedReleaseEchoes.insert(keyCode); }
+    // Keys whose expected release did arrive (so the release took effect).
+    QSet<xcb_keycode_t> takeEchoedReleases();
+
+private:
+    void readModifierSides();
+    void readNumLockMask();
+    void seedHeldModifiers();
+
+    QVX11Connection &m_connection;
+    xcb_key_symbols_t *m_symbols = nullptr;
+    xcb_keycode_t m_minKeyCode = 8;
+    xcb_keycode_t m_maxKeyCode = 255;
+    quint8 m_xkbFirstEvent = 0;
+    quint8 m_xinputOpcode = 0;
+    bool m_detectableAutoRepeat = false;
+    quint16 m_numLockMask = 0;
+    QHash<xcb_keycode_t, quint64> m_modifierSides; // key code -> side flag
+    QSet<xcb_keycode_t> m_heldModifiers;
+    QSet<xcb_keycode_t> m_expectedReleaseEchoes;
+    QSet<xcb_keycode_t> m_echoedReleases;
+};

@@ -1,0 +1,207 @@
+#include "QVX11Platform.h"
+
+#include "QVLog.h"
+#include "QVX11Connection.h"
+#include "QVX11Displays.h"
+#include "QVX11HotKeyGrabs.h"
+#include "QVX11InputSynthesizer.h"
+#include "QVX11Keyboard.h"
+#include "QVXcbReply.h"
+
+#include <QThread>
+
+#define explicit xcb_explicit
+#include <xcb/xkb.h>
+#undef explicit
+
+namespace {
+constexpr int keyboardGrabAttempts = 20;
+constexpr int keyboardGrabRetryMilliseconds = 5;
+} // namespace
+
+std::unique_ptr<QVX11Platform> QVX11Platform::open(const QByteArray &displayName, QString *error)
+{
+    std::unique_ptr<QVX11Connection> connection = QVX11Connection::open(displayName, error);
+    if (!connection)
+        return nullptr;
+    std::unique_ptr<QVX11Platform> platform(new QVX11Platform(std::move(connection)));
+    if (!platform->initialize(error))
+        return nullptr;
+    return platform;
+}
+
+QVX11Platform::QVX11Platform(std::unique_ptr<QVX11Connection> connection)
+    : m_connection(std::move(connection)),
+      m_keyboard(std::make_unique<QVX11Keyboard>(*m_connection)),
+      m_displays(std::make_unique<QVX11Displays>(*m_connection)),
+      m_grabs(std::make_unique<QVX11HotKeyGrabs>(*m_connection, *m_keyboard, *m_displays)),
+      m_synthesizer(std::make_unique<QVX11InputSynthesizer>(*m_connection, *m_displays, *m_keyboard))
+{
+}
+
+QVX11Platform::~QVX11Platform() = default;
+
+bool QVX11Platform::initialize(QString *error)
+{
+    if (!m_keyboard->initialize(error))
+        return false;
+    if (!m_synthesizer->initialize()) {
+        *error = QStringLiteral("the X server has no XTEST extension");
+        return false;
+    }
+    if (!m_displays->initialize())
+        QVLog(QStringLiteral("the X server has no RandR 1.5: the whole screen counts as one monitor"));
+    if (!m_keyboard->detectableAutoRepeat())
+        QVLog(QStringLiteral("the X server cannot report held keys without repeats; held hot keys may stutter"));
+    m_connection->setListener([this](const xcb_generic_event_t *event) { handleEvent(event); });
+    m_connection->setBatchEndListener([this] {
+        if (m_mappingChanged)
+            applyMappingChange();
+    });
+    m_connection->flush();
+    return true;
+}
+
+QVDisplayList QVX11Platform::displays() const
+{
+    return m_displays->displays();
+}
+
+QVPoint QVX11Platform::mouseLocation() const
+{
+    xcb_connection_t *c = m_connection->get();
+    QVXcbReply<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(c, xcb_query_pointer(c, m_connection->root()), nullptr));
+    if (!pointer)
+        return {};
+    return m_displays->windowPointFromRoot(pointer->root_x, pointer->root_y);
+}
+
+bool QVX11Platform::postMouseMoved(const QVPoint &globalPoint)
+{
+    return m_synthesizer->postMouseMoved(globalPoint);
+}
+
+bool QVX11Platform::postMouseButton(bool down, bool rightButton, bool usePrivateSource)
+{
+    return m_synthesizer->postMouseButton(down, rightButton, usePrivateSource);
+}
+
+std::optional<QVHotKeyService::Handle> QVX11Platform::registerHotKey(const QVHotKeyRegistration &registration,
+                                                                     QString *reason)
+{
+    return m_grabs->registerHotKey(registration, reason);
+}
+
+void QVX11Platform::unregisterHotKey(Handle handle)
+{
+    m_grabs->unregisterHotKey(handle);
+}
+
+QVKeyboardService::RepeatThresholds QVX11Platform::keyRepeatThresholds() const
+{
+    return m_keyboard->repeatThresholds();
+}
+
+bool QVX11Platform::takeKeyboard()
+{
+    xcb_connection_t *c = m_connection->get();
+    // Another program may still hold the keyboard until its key is released.
+    for (int attempt = 0; attempt < keyboardGrabAttempts; ++attempt) {
+        QVXcbReply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
+            c,
+            xcb_grab_keyboard(c, 0, m_connection->root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                              XCB_GRAB_MODE_ASYNC),
+            nullptr));
+        if (reply && reply->status == XCB_GRAB_STATUS_SUCCESS) {
+            m_keyboardTaken = true;
+            return true;
+        }
+        QThread::msleep(keyboardGrabRetryMilliseconds);
+    }
+    return false;
+}
+
+void QVX11Platform::releaseKeyboard()
+{
+    if (!m_keyboardTaken)
+        return;
+    xcb_ungrab_keyboard(m_connection->get(), XCB_CURRENT_TIME);
+    m_connection->flush();
+    m_keyboardTaken = false;
+}
+
+void QVX11Platform::setEventHandler(EventHandler handler)
+{
+    m_handler = std::move(handler);
+}
+
+void QVX11Platform::beep()
+{
+    xcb_bell(m_connection->get(), 0);
+    m_connection->flush();
+}
+
+void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
+{
+    const uint8_t type = event->response_type & 0x7f;
+    switch (type) {
+    case XCB_KEY_PRESS:
+        handleKey(event, true);
+        return;
+    case XCB_KEY_RELEASE:
+        handleKey(event, false);
+        return;
+    case XCB_MAPPING_NOTIFY:
+        m_mappingChanged = true;
+        return;
+    case 0: {
+        const auto *error = reinterpret_cast<const xcb_generic_error_t *>(event);
+        QVDebugLog(QStringLiteral("X error %1 for request %2.%3")
+                       .arg(error->error_code)
+                       .arg(error->major_code)
+                       .arg(error->minor_code));
+        return;
+    }
+    default:
+        break;
+    }
+    if (m_keyboard->handleRawKeyEvent(event) || m_displays->handleEvent(event))
+        return;
+    if (type == m_keyboard->xkbFirstEvent()) {
+        const uint8_t xkbType = reinterpret_cast<const uint8_t *>(event)[1];
+        if (xkbType == XCB_XKB_NEW_KEYBOARD_NOTIFY || xkbType == XCB_XKB_MAP_NOTIFY)
+            m_mappingChanged = true;
+    }
+}
+
+void QVX11Platform::handleKey(const xcb_generic_event_t *event, bool press)
+{
+    const auto *key = reinterpret_cast<const xcb_key_press_event_t *>(event);
+    const auto deliver = [this](const QVEventRef &delivered) {
+        if (m_handler)
+            m_handler(delivered);
+    };
+    // A hot key's own release always ends its repetition, even while the keyboard is taken.
+    if (!press || !m_keyboardTaken) {
+        if (m_grabs->handleKeyEvent(key, press, deliver) || !m_keyboardTaken)
+            return;
+    }
+    if (!press)
+        return;
+    auto keyDown = std::make_shared<QVEvent>();
+    keyDown->type = QVEvent::KeyDown;
+    keyDown->keyCode = key->detail;
+    keyDown->modifierFlags = m_keyboard->modifierFlagsForState(key->state);
+    keyDown->charactersIgnoringModifiers = m_keyboard->charactersIgnoringModifiers(key->detail);
+    keyDown->location = m_displays->windowPointFromRoot(key->root_x, key->root_y);
+    deliver(keyDown);
+}
+
+void QVX11Platform::applyMappingChange()
+{
+    m_mappingChanged = false;
+    m_keyboard->refreshMapping();
+    m_grabs->regrabAll();
+    QVDebugLog(QStringLiteral("keyboard mapping changed: hot keys grabbed again"));
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "QVPlatform.h"
+
+#include <memory>
+
+class QVX11Connection;
+class QVX11Displays;
+class QVX11HotKeyGrabs;
+class QVX11InputSynthesizer;
+class QVX11Keyboard;
+#include <xcb/xcb.h>
+
+// The X11 back end of the platform port, on a connection of its own.
+class QVX11Platform final : public QVPlatform
+{
+public:
+    // Nothing, with error set, when the display or an extension it needs is missing.
+    static std::unique_ptr<QVX11Platform> open(const QByteArray &displayName, QString *error);
+    ~QVX11Platform() override;
+
+    QVDisplayList displays() const override;
+    QVPoint mouseLocation() const override;
+    bool postMouseMoved(const QVPoint &globalPoint) override;
+    bool postMouseButton(bool down, bool rightButton, bool usePrivateSource) override;
+    std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason) override;
+    void unregisterHotKey(Handle handle) override;
+    RepeatThresholds keyRepeatThresholds() const override;
+    bool takeKeyboard() override;
+    void releaseKeyboard() override;
+    void setEventHandler(EventHandler handler) override;
+    void beep() override;
+
+private:
+    explicit QVX11Platform(std::unique_ptr<QVX11Connection> connection);
+    bool initialize(QString *error);
+    void handleEvent(const xcb_generic_event_t *event);
+    void handleKey(const xcb_generic_event_t *event, bool press);
+    void applyMappingChange();
+
+    std::unique_ptr<QVX11Connection> m_connection;
+    std::unique_ptr<QVX11Keyboard> m_keyboard;
+    std::unique_ptr<QVX11Displays> m_displays;
+    std::unique_ptr<QVX11HotKeyGrabs> m_grabs;
+    std::unique_ptr<QVX11InputSynthesizer> m_synthesizer;
+    EventHandler m_handler;
+    bool m_keyboardTaken = false;
+    bool m_mappingChanged = false;
+};

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <QString>
+
+// Writes one line to the system log (ident "corvane") and to standard error.
+void QVLog(const QString &message);
+// The same, only while the "QVDebugLog" setting is on.
+void QVDebugLog(const QString &message);
