@@ -63,8 +63,9 @@ bool QVActionEngine::performActionTriggeredByControl(QVCustomControlRepresentati
         control = matched.get();
     }
 
-    const QVDisplayList displays = m_displays.displays();
-    const QVPoint location = m_displays.mouseLocation();
+    const QVDisplayService::Snapshot snapshot = m_displays.displaysAndMouseLocation();
+    const QVDisplayList &displays = snapshot.displays;
+    const QVPoint location = snapshot.mouseLocation;
     const QVDisplay *display = screenAtPosition(QVPosition::None, location, displays);
     const QVRect frame = display ? display->frame : QVRect{};
     QVPoint target = location;

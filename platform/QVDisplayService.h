@@ -12,4 +12,11 @@ public:
     virtual QVDisplayList displays() const = 0;
     // The pointer location in window coordinates.
     virtual QVPoint mouseLocation() const = 0;
+
+    struct Snapshot {
+        QVDisplayList displays;
+        QVPoint mouseLocation;
+    };
+    // Both at once, as one consistent reading.
+    virtual Snapshot displaysAndMouseLocation() const { return {displays(), mouseLocation()}; }
 };

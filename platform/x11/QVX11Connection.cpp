@@ -35,8 +35,6 @@ QVX11Connection::QVX11Connection(xcb_connection_t *connection, xcb_screen_t *scr
 
 QVX11Connection::~QVX11Connection()
 {
-    for (xcb_generic_event_t *event : m_deferred)
-        std::free(event);
     m_notifier.reset();
     xcb_disconnect(m_connection);
 }
@@ -52,28 +50,12 @@ void QVX11Connection::sync()
         xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
 }
 
-void QVX11Connection::drainEvents(const std::function<bool(const xcb_generic_event_t *)> &filter)
-{
-    while (xcb_generic_event_t *event = xcb_poll_for_queued_event(m_connection)) {
-        if (filter(event))
-            std::free(event);
-        else
-            m_deferred.push_back(event);
-    }
-}
-
 void QVX11Connection::processEvents()
 {
     if (m_dispatching)
         return;
     m_dispatching = true;
     bool any = false;
-    while (!m_deferred.empty()) {
-        xcb_generic_event_t *event = m_deferred.front();
-        m_deferred.pop_front();
-        dispatch(event);
-        any = true;
-    }
     while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection)) {
         dispatch(event);
         any = true;

@@ -5,7 +5,6 @@
 #include <QSocketNotifier>
 #include <QString>
 
-#include <deque>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -37,9 +36,6 @@ public:
     void flush();
     // Waits until the server has handled every request sent so far.
     void sync();
-    // After a sync: events the filter takes are consumed now, the rest are kept
-    // for normal dispatch, so nothing re-enters the caller.
-    void drainEvents(const std::function<bool(const xcb_generic_event_t *)> &filter);
     void processEvents();
 
 private:
@@ -51,6 +47,5 @@ private:
     std::unique_ptr<QSocketNotifier> m_notifier;
     Listener m_listener;
     std::function<void()> m_batchEnd;
-    std::deque<xcb_generic_event_t *> m_deferred;
     bool m_dispatching = false;
 };

@@ -73,16 +73,23 @@ void QVX11InputSynthesizer::releaseHeldModifiers()
 
 void QVX11InputSynthesizer::restoreHeldModifiers()
 {
-    if (m_releasedModifiers.isEmpty())
-        return;
-    // Let every raw key event up to now arrive: our own releases and any the user made.
-    m_connection.sync();
-    m_connection.drainEvents([this](const xcb_generic_event_t *event) { return m_keyboard.handleRawKeyEvent(event); });
-    const QSet<xcb_keycode_t> echoed = m_keyboard.takeEchoedReleases();
     const QSet<xcb_keycode_t> held = m_keyboard.heldModifierKeys();
-    // Only keys our release did take from the user and that the user still holds.
-    for (const xcb_keycode_t keyCode : std::as_const(m_releasedModifiers))
-        if (echoed.contains(keyCode) && held.contains(keyCode))
-            fakeInput(XCB_KEY_PRESS, keyCode);
+    for (const xcb_keycode_t keyCode : std::as_const(m_releasedModifiers)) {
+        if (!held.contains(keyCode))
+            continue;
+        fakeInput(XCB_KEY_PRESS, keyCode);
+        m_pressedAgain.insert(keyCode);
+    }
     m_releasedModifiers.clear();
+}
+
+void QVX11InputSynthesizer::modifierReleased(xcb_keycode_t keyCode)
+{
+    if (!m_pressedAgain.remove(keyCode))
+        return;
+    // Our press lives on the XTest device; the user's release may have come from
+    // another keyboard. Releasing it here is harmless when it is already up.
+    m_keyboard.expectReleaseEcho(keyCode);
+    fakeInput(XCB_KEY_RELEASE, keyCode);
+    m_connection.flush();
 }

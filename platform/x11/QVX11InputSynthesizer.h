@@ -12,8 +12,9 @@ class QVX11Keyboard;
 
 // Pointer motion and buttons through XTest. A button from the private source
 // must not carry the modifiers that the user holds for the hot key: they are
-// released before the press and pressed again after the release, but only those
-// the user still holds, so that no key is left down.
+// released before the press and pressed again after the release. A key pressed
+// again that way is released again as soon as the user lets go of it, so that
+// none is left down whichever device held it.
 class QVX11InputSynthesizer final
 {
 public:
@@ -22,6 +23,8 @@ public:
     bool initialize();
     bool postMouseMoved(const QVPoint &globalPoint);
     bool postMouseButton(bool down, bool rightButton, bool usePrivateSource);
+    // The user let go of a modifier key.
+    void modifierReleased(xcb_keycode_t keyCode);
 
 private:
     void fakeInput(uint8_t type, uint8_t detail, int16_t x = 0, int16_t y = 0);
@@ -31,5 +34,6 @@ private:
     QVX11Connection &m_connection;
     QVX11Displays &m_displays;
     QVX11Keyboard &m_keyboard;
-    QSet<xcb_keycode_t> m_releasedModifiers;
+    QSet<xcb_keycode_t> m_releasedModifiers; // during a click
+    QSet<xcb_keycode_t> m_pressedAgain;      // by us, after a click
 };

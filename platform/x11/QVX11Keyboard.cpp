@@ -198,34 +198,28 @@ QVKeyboardService::RepeatThresholds QVX11Keyboard::repeatThresholds() const
     return {controls->repeatDelay * ticksPerMillisecond, controls->repeatInterval * ticksPerMillisecond};
 }
 
-bool QVX11Keyboard::handleRawKeyEvent(const xcb_generic_event_t *event)
+QVX11Keyboard::RawKey QVX11Keyboard::handleRawKeyEvent(const xcb_generic_event_t *event, xcb_keycode_t *keyCode)
 {
     if ((event->response_type & 0x7f) != XCB_GE_GENERIC)
-        return false;
+        return RawKey::NotRaw;
     const auto *generic = reinterpret_cast<const xcb_ge_generic_event_t *>(event);
     if (generic->extension != m_xinputOpcode)
-        return false;
+        return RawKey::NotRaw;
     const bool press = generic->event_type == XCB_INPUT_RAW_KEY_PRESS;
     if (!press && generic->event_type != XCB_INPUT_RAW_KEY_RELEASE)
-        return false;
-    const auto *raw = reinterpret_cast<const xcb_input_raw_key_press_event_t *>(event);
-    const auto keyCode = xcb_keycode_t(raw->detail);
-    if (!m_modifierSides.contains(keyCode))
-        return true;
+        return RawKey::NotRaw;
+    *keyCode = xcb_keycode_t(reinterpret_cast<const xcb_input_raw_key_press_event_t *>(event)->detail);
+    if (!m_modifierSides.contains(*keyCode))
+        return RawKey::Other;
     if (press) {
-        m_heldModifiers.insert(keyCode);
-    } else if (m_expectedReleaseEchoes.remove(keyCode)) {
-        m_echoedReleases.insert(keyCode); // our own release: the user still holds it
-    } else {
-        m_heldModifiers.remove(keyCode);
+        m_heldModifiers.insert(*keyCode);
+        return RawKey::Other;
     }
-    return true;
-}
-
-QSet<xcb_keycode_t> QVX11Keyboard::takeEchoedReleases()
-{
-    QSet<xcb_keycode_t> echoed;
-    echoed.swap(m_echoedReleases);
-    m_expectedReleaseEchoes.clear();
-    return echoed;
+    if (auto echo = m_expectedReleaseEchoes.find(*keyCode); echo != m_expectedReleaseEchoes.end()) {
+        if (--*echo == 0)
+            m_expectedReleaseEchoes.erase(echo);
+        return RawKey::Other; // our own release: the user still holds the key
+    }
+    m_heldModifiers.remove(*keyCode);
+    return RawKey::ModifierReleased;
 }

@@ -41,15 +41,19 @@ public:
 
     QVKeyboardService::RepeatThresholds repeatThresholds() const;
 
-    // Handles an XInput 2 raw key event; false for any other event.
-    bool handleRawKeyEvent(const xcb_generic_event_t *event);
+    enum class RawKey {
+        NotRaw,           // some other event
+        Other,            // a raw key event of no interest
+        ModifierReleased, // the user let go of a modifier key
+    };
+    // Follows XInput 2 raw key events to know which modifier keys are held.
+    RawKey handleRawKeyEvent(const xcb_generic_event_t *event, xcb_keycode_t *keyCode);
     // Modifier keys held now, by any device.
     QSet<xcb_keycode_t> heldModifierKeys() const { return m_heldModifiers; }
 
-    // A release that Corvane itself sends: its echo must not count as the user's.
-    void expectReleaseEcho(xcb_keycode_t keyCode) { m_expectedReleaseEchoes.insert(keyCode); }
-    // Keys whose expected release did arrive (so the release took effect).
-    QSet<xcb_keycode_t> takeEchoedReleases();
+    // A release that Corvane itself sends: its echo, which may arrive much
+    // later, must not count as the user's.
+    void expectReleaseEcho(xcb_keycode_t keyCode) { ++m_expectedReleaseEchoes[keyCode]; }
 
 private:
     void readModifierSides();
@@ -66,6 +70,5 @@ private:
     quint16 m_numLockMask = 0;
     QHash<xcb_keycode_t, quint64> m_modifierSides; // key code -> side flag
     QSet<xcb_keycode_t> m_heldModifiers;
-    QSet<xcb_keycode_t> m_expectedReleaseEchoes;
-    QSet<xcb_keycode_t> m_echoedReleases;
+    QHash<xcb_keycode_t, int> m_expectedReleaseEchoes;
 };

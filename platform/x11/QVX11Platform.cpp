@@ -64,17 +64,21 @@ bool QVX11Platform::initialize(QString *error)
 
 QVDisplayList QVX11Platform::displays() const
 {
-    return m_displays->displays();
+    return m_displays->refresh();
 }
 
 QVPoint QVX11Platform::mouseLocation() const
 {
-    xcb_connection_t *c = m_connection->get();
-    QVXcbReply<xcb_query_pointer_reply_t> pointer(
-        xcb_query_pointer_reply(c, xcb_query_pointer(c, m_connection->root()), nullptr));
-    if (!pointer)
-        return {};
-    return m_displays->windowPointFromRoot(pointer->root_x, pointer->root_y);
+    QVPoint location;
+    m_displays->refresh(&location);
+    return location;
+}
+
+QVDisplayService::Snapshot QVX11Platform::displaysAndMouseLocation() const
+{
+    Snapshot snapshot;
+    snapshot.displays = m_displays->refresh(&snapshot.mouseLocation);
+    return snapshot;
 }
 
 bool QVX11Platform::postMouseMoved(const QVPoint &globalPoint)
@@ -166,8 +170,16 @@ void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
     default:
         break;
     }
-    if (m_keyboard->handleRawKeyEvent(event) || m_displays->handleEvent(event))
+    xcb_keycode_t keyCode = 0;
+    switch (m_keyboard->handleRawKeyEvent(event, &keyCode)) {
+    case QVX11Keyboard::RawKey::ModifierReleased:
+        m_synthesizer->modifierReleased(keyCode);
         return;
+    case QVX11Keyboard::RawKey::Other:
+        return;
+    case QVX11Keyboard::RawKey::NotRaw:
+        break;
+    }
     if (type == m_keyboard->xkbFirstEvent()) {
         const uint8_t xkbType = reinterpret_cast<const uint8_t *>(event)[1];
         if (xkbType == XCB_XKB_NEW_KEYBOARD_NOTIFY || xkbType == XCB_XKB_MAP_NOTIFY)

@@ -21,6 +21,7 @@ public:
 
     QVDisplayList displays() const override;
     QVPoint mouseLocation() const override;
+    Snapshot displaysAndMouseLocation() const override;
     bool postMouseMoved(const QVPoint &globalPoint) override;
     bool postMouseButton(bool down, bool rightButton, bool usePrivateSource) override;
     std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason) override;

@@ -1,0 +1,90 @@
+#include "QVCorvaneProcess.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QJsonDocument>
+#include <QThread>
+
+#include <csignal>
+
+namespace {
+constexpr int readyDeadlineMilliseconds = 20000;
+}
+
+QVCorvaneProcess::QVCorvaneProcess(const QString &displayName, const QString &settingsPath)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("DISPLAY"), displayName);
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.remove(QStringLiteral("CORVANE_SETTINGS"));
+    environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("*.debug=false"));
+    m_process.setProcessEnvironment(environment);
+    m_process.setProgram(QStringLiteral(CORVANE_BINARY));
+    m_process.setArguments({QStringLiteral("--settings"), settingsPath});
+}
+
+QVCorvaneProcess::~QVCorvaneProcess()
+{
+    if (isRunning())
+        stop(SIGKILL);
+}
+
+bool QVCorvaneProcess::start()
+{
+    m_process.start();
+    if (!m_process.waitForStarted(readyDeadlineMilliseconds))
+        return false;
+    QDeadlineTimer deadline(readyDeadlineMilliseconds);
+    while (!deadline.hasExpired() && isRunning()) {
+        if (log().contains(QLatin1String("started on display")))
+            return true;
+        m_process.waitForReadyRead(50);
+    }
+    return false;
+}
+
+int QVCorvaneProcess::stop(int signalNumber)
+{
+    ::kill(pid_t(m_process.processId()), signalNumber);
+    if (!m_process.waitForFinished(15000))
+        return -1;
+    log();
+    return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+QString QVCorvaneProcess::log()
+{
+    m_log += QString::fromUtf8(m_process.readAllStandardError());
+    m_log += QString::fromUtf8(m_process.readAllStandardOutput());
+    return m_log;
+}
+
+QJsonObject QVCorvaneProcess::control(qint64 action, quint16 keyCode, quint64 modifierFlags, const QJsonObject &extra)
+{
+    static int counter = 0;
+    const QString identifier = QStringLiteral("TEST-%1").arg(++counter);
+    QJsonObject control{{QStringLiteral("Identifier"), identifier}, {QStringLiteral("Action"), action}};
+    control.insert(QStringLiteral("Hot Key"),
+                   QJsonObject{{QStringLiteral("Identifier"), identifier},
+                               {QStringLiteral("Visual Representation"), QStringLiteral("key %1").arg(keyCode)},
+                               {QStringLiteral("Key Code"), keyCode},
+                               {QStringLiteral("Modifier Flags"), double(modifierFlags)}});
+    for (auto it = extra.begin(); it != extra.end(); ++it)
+        control.insert(it.key(), it.value());
+    return control;
+}
+
+void QVCorvaneProcess::writeSettings(const QString &path, const QJsonObject &settings)
+{
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(QJsonDocument(settings).toJson());
+}
+
+QJsonObject QVCorvaneProcess::readSettings(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QJsonDocument::fromJson(file.readAll()).object();
+}

@@ -1,0 +1,146 @@
+#include "QVTestXClient.h"
+
+#include <QDeadlineTimer>
+#include <QRect>
+#include <QThread>
+
+#include <cstdlib>
+#include <memory>
+
+#include <xcb/xtest.h>
+
+namespace {
+
+template<typename T>
+using Reply = std::unique_ptr<T, decltype(&std::free)>;
+
+template<typename T>
+Reply<T> reply(T *pointer)
+{
+    return Reply<T>(pointer, &std::free);
+}
+
+} // namespace
+
+QVTestXClient::QVTestXClient(const QString &displayName)
+{
+    m_connection = xcb_connect(displayName.toLatin1().constData(), nullptr);
+    if (xcb_connection_has_error(m_connection))
+        return;
+    m_screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
+}
+
+QVTestXClient::~QVTestXClient()
+{
+    if (m_connection)
+        xcb_disconnect(m_connection);
+}
+
+void QVTestXClient::sync()
+{
+    reply(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+}
+
+void QVTestXClient::keyDown(xcb_keycode_t key)
+{
+    xcb_test_fake_input(m_connection, XCB_KEY_PRESS, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    sync();
+}
+
+void QVTestXClient::keyUp(xcb_keycode_t key)
+{
+    xcb_test_fake_input(m_connection, XCB_KEY_RELEASE, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    sync();
+}
+
+void QVTestXClient::tap(xcb_keycode_t key, const QList<xcb_keycode_t> &modifiers)
+{
+    for (const xcb_keycode_t modifier : modifiers)
+        keyDown(modifier);
+    keyDown(key);
+    keyUp(key);
+    for (auto it = modifiers.crbegin(); it != modifiers.crend(); ++it)
+        keyUp(*it);
+}
+
+QPoint QVTestXClient::pointer()
+{
+    auto pointer = reply(xcb_query_pointer_reply(m_connection, xcb_query_pointer(m_connection, m_screen->root), nullptr));
+    return pointer ? QPoint(pointer->root_x, pointer->root_y) : QPoint(-1, -1);
+}
+
+void QVTestXClient::movePointer(const QPoint &root)
+{
+    xcb_warp_pointer(m_connection, XCB_NONE, m_screen->root, 0, 0, 0, 0, int16_t(root.x()), int16_t(root.y()));
+    sync();
+}
+
+QList<xcb_keycode_t> QVTestXClient::keysDown()
+{
+    QList<xcb_keycode_t> down;
+    auto keymap = reply(xcb_query_keymap_reply(m_connection, xcb_query_keymap(m_connection), nullptr));
+    if (!keymap)
+        return down;
+    for (int key = 8; key < 256; ++key)
+        if (keymap->keys[key / 8] & (1 << (key % 8)))
+            down.append(xcb_keycode_t(key));
+    return down;
+}
+
+quint16 QVTestXClient::modifierState()
+{
+    auto pointer = reply(xcb_query_pointer_reply(m_connection, xcb_query_pointer(m_connection, m_screen->root), nullptr));
+    return pointer ? pointer->mask : 0;
+}
+
+void QVTestXClient::openRecordingWindow(const QRect &root)
+{
+    m_window = xcb_generate_id(m_connection);
+    const uint32_t values[] = {1, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE};
+    xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_window, m_screen->root, int16_t(root.x()),
+                      int16_t(root.y()), uint16_t(root.width()), uint16_t(root.height()), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, m_screen->root_visual,
+                      XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+    xcb_map_window(m_connection, m_window);
+    sync();
+}
+
+std::optional<QVTestXClient::ButtonEvent> QVTestXClient::nextButtonEvent(int timeoutMilliseconds)
+{
+    QDeadlineTimer deadline(timeoutMilliseconds);
+    do {
+        while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection)) {
+            const auto owned = reply(event);
+            const uint8_t type = event->response_type & 0x7f;
+            if (type != XCB_BUTTON_PRESS && type != XCB_BUTTON_RELEASE)
+                continue;
+            const auto *button = reinterpret_cast<const xcb_button_press_event_t *>(event);
+            return ButtonEvent{type == XCB_BUTTON_PRESS, button->detail, button->state};
+        }
+        QThread::msleep(5);
+    } while (!deadline.hasExpired());
+    return std::nullopt;
+}
+
+bool QVTestXClient::grabKey(xcb_keycode_t key, quint16 modifiers)
+{
+    auto error = reply(xcb_request_check(
+        m_connection, xcb_grab_key_checked(m_connection, 1, m_screen->root, modifiers, key, XCB_GRAB_MODE_ASYNC,
+                                           XCB_GRAB_MODE_ASYNC)));
+    return !error;
+}
+
+bool QVTestXClient::receivedKeyPress(xcb_keycode_t key, int timeoutMilliseconds)
+{
+    QDeadlineTimer deadline(timeoutMilliseconds);
+    do {
+        while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection)) {
+            const auto owned = reply(event);
+            if ((event->response_type & 0x7f) == XCB_KEY_PRESS
+                && reinterpret_cast<const xcb_key_press_event_t *>(event)->detail == key)
+                return true;
+        }
+        QThread::msleep(5);
+    } while (!deadline.hasExpired());
+    return false;
+}

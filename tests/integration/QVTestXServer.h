@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QList>
+#include <QProcess>
+#include <QRect>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <memory>
+
+// An X server of the test's own on a free display number, stopped by its
+// process id when the object goes.
+class QVTestXServer final
+{
+public:
+    struct Monitor {
+        QString name;
+        QRect rootRect;
+        bool primary = false;
+    };
+
+    // One screen of the given size.
+    static std::unique_ptr<QVTestXServer> startXvfb(int width, int height, QString *error);
+    // Xorg with the dummy driver and RandR monitors carved out of one large screen.
+    static std::unique_ptr<QVTestXServer> startXorg(int width, int height, const QList<Monitor> &monitors,
+                                                    QString *error);
+    ~QVTestXServer();
+
+    QString displayName() const { return QStringLiteral(":%1").arg(m_number); }
+    // Runs an X client program against this server; its standard output, or a null string on failure.
+    QString run(const QString &program, const QStringList &arguments) const;
+    QString temporaryPath(const QString &name) const { return m_directory.filePath(name); }
+
+private:
+    QVTestXServer() = default;
+    static int freeDisplayNumber();
+    bool waitUntilReady(QString *error);
+
+    QTemporaryDir m_directory;
+    QProcess m_process;
+    int m_number = 0;
+};
