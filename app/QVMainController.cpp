@@ -106,6 +106,8 @@ void QVMainController::settingsChangedExternally()
     if (accountsForCapsLock == m_accountsForCapsLock)
         return;
     m_accountsForCapsLock = accountsForCapsLock;
+    QVLog(accountsForCapsLock ? QStringLiteral("hot keys now take Caps Lock into account")
+                              : QStringLiteral("hot keys now ignore Caps Lock"));
     // The Caps Lock rule decides which lock states are grabbed.
     registerHotKeysAgain();
 }

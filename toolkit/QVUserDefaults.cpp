@@ -19,9 +19,12 @@ QVUserDefaults::QVUserDefaults(const QString &filePath, QObject *parent)
     : QObject(parent), m_filePath(QFileInfo(filePath).absoluteFilePath())
 {
     reload();
-    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &QVUserDefaults::fileMayHaveChanged);
-    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this,
-            &QVUserDefaults::fileMayHaveChanged);
+    // Editors that write in place leave the file empty or half-written for a moment.
+    m_settleTimer.setSingleShot(true);
+    m_settleTimer.setInterval(150);
+    connect(&m_settleTimer, &QTimer::timeout, this, &QVUserDefaults::fileMayHaveChanged);
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, &m_settleTimer, qOverload<>(&QTimer::start));
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_settleTimer, qOverload<>(&QTimer::start));
     watch();
 }
 

@@ -4,6 +4,7 @@
 #include <QJsonObject>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 // The per-user settings: one JSON document whose top-level keys are the setting
 // names. Values are held in memory and kept in step with the file, so an edit
@@ -49,4 +50,5 @@ private:
     QByteArray m_lastContents; // as last read or written, to tell our own writes apart
     bool m_writeProtected = false; // a broken file that could not be moved aside is never overwritten
     QFileSystemWatcher m_watcher;
+    QTimer m_settleTimer; // lets an outside writer finish before the file is read
 };

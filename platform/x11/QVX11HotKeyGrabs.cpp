@@ -154,18 +154,26 @@ void QVX11HotKeyGrabs::unregisterHotKey(QVHotKeyService::Handle handle)
 
 void QVX11HotKeyGrabs::regrabAll()
 {
-    ungrab(m_grabs.keys());
-    m_grabs.clear();
+    // Only grabs whose lock variants changed are redone: ungrabbing everything
+    // would let a press made in between slip through to another window.
+    QMap<GrabKey, QList<QVHotKeyService::Handle>> grabs;
     for (auto it = m_registrations.begin(); it != m_registrations.end(); ++it) {
         it->modifierVariants = modifierVariants(it->request);
-        const QList<GrabKey> keys = grabKeys(*it);
-        bool refused = false;
-        grab(keys, &refused);
-        if (refused)
-            QVLog(QStringLiteral("after a keyboard change, another program holds %1").arg(describe(it->request)));
-        for (const GrabKey &key : keys)
-            m_grabs[key].append(it.key());
+        for (const GrabKey &key : grabKeys(*it))
+            grabs[key].append(it.key());
     }
+    QList<GrabKey> gone;
+    for (auto it = m_grabs.cbegin(); it != m_grabs.cend(); ++it)
+        if (!grabs.contains(it.key()))
+            gone.append(it.key());
+    ungrab(gone);
+    for (const GrabKey &key : gone)
+        m_grabs.remove(key);
+    bool refused = false;
+    grab(grabs.keys(), &refused); // skips what is grabbed already
+    if (refused)
+        QVLog(QStringLiteral("after a keyboard change, another program holds a combination of a hot key"));
+    m_grabs = grabs;
 }
 
 QList<QVHotKeyService::Handle> QVX11HotKeyGrabs::handlesFor(xcb_keycode_t keyCode, quint16 state) const

@@ -99,6 +99,7 @@ bool QVX11Keyboard::initialize(QString *error)
     xcb_input_xi_select_events(c, m_connection.root(), 1, &rawKeys.head);
 
     refreshMapping();
+    seedHeldModifiers();
     return true;
 }
 
@@ -109,7 +110,10 @@ void QVX11Keyboard::refreshMapping()
     m_symbols = xcb_key_symbols_alloc(m_connection.get());
     readModifierSides();
     readNumLockMask();
-    seedHeldModifiers();
+    // Held keys keep being followed through raw events; a key that stopped being a
+    // modifier drops out. Reading the keymap here again would race queued events.
+    for (auto it = m_heldModifiers.begin(); it != m_heldModifiers.end();)
+        it = m_modifierSides.contains(*it) ? std::next(it) : m_heldModifiers.erase(it);
 }
 
 void QVX11Keyboard::readModifierSides()

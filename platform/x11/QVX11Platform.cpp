@@ -182,7 +182,11 @@ void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
     }
     if (type == m_keyboard->xkbFirstEvent()) {
         const uint8_t xkbType = reinterpret_cast<const uint8_t *>(event)[1];
-        if (xkbType == XCB_XKB_NEW_KEYBOARD_NOTIFY || xkbType == XCB_XKB_MAP_NOTIFY)
+        // A new keyboard that only stands for another device (the XTest one, say) changes nothing.
+        if (xkbType == XCB_XKB_MAP_NOTIFY
+            || (xkbType == XCB_XKB_NEW_KEYBOARD_NOTIFY
+                && (reinterpret_cast<const xcb_xkb_new_keyboard_notify_event_t *>(event)->changed
+                    & XCB_XKB_NKN_DETAIL_KEYCODES)))
             m_mappingChanged = true;
     }
 }
