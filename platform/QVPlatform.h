@@ -22,4 +22,6 @@ public:
     virtual void setEventHandler(EventHandler handler) = 0;
     // Sounds the system beep.
     virtual void beep() = 0;
+    // Whether translucent windows are composited (else they must be shaped).
+    virtual bool isCompositingManagerRunning() const = 0;
 };

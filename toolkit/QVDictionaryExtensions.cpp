@@ -84,6 +84,8 @@ bool QVBoolForKey(const QJsonObject &dictionary, const QString &key)
 QString QVStringForKey(const QJsonObject &dictionary, const QString &key)
 {
     const QJsonValue value = dictionary.value(key);
+    if (value.isDouble()) // a hand-written number is kept as its text, not lost
+        return QString::number(value.toDouble(), 'g', 17);
     return value.isString() ? value.toString() : QString();
 }
 

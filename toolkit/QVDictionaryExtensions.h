@@ -11,7 +11,7 @@ bool QVBoolValue(const QJsonValue &value);
 
 qint64 QVIntegerForKey(const QJsonObject &dictionary, const QString &key);
 bool QVBoolForKey(const QJsonObject &dictionary, const QString &key);
-// The value as a string, or a null string when it is not one.
+// The value as a string (a number as its text), or a null string.
 QString QVStringForKey(const QJsonObject &dictionary, const QString &key);
 
 // Sets the value only when it is a non-null string.

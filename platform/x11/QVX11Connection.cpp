@@ -19,11 +19,11 @@ std::unique_ptr<QVX11Connection> QVX11Connection::open(const QByteArray &display
     xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
     for (int index = 0; index < screenNumber && screens.rem; ++index)
         xcb_screen_next(&screens);
-    return std::unique_ptr<QVX11Connection>(new QVX11Connection(connection, screens.data));
+    return std::unique_ptr<QVX11Connection>(new QVX11Connection(connection, screens.data, screenNumber));
 }
 
-QVX11Connection::QVX11Connection(xcb_connection_t *connection, xcb_screen_t *screen)
-    : m_connection(connection), m_screen(screen)
+QVX11Connection::QVX11Connection(xcb_connection_t *connection, xcb_screen_t *screen, int screenNumber)
+    : m_connection(connection), m_screen(screen), m_screenNumber(screenNumber)
 {
     m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &QVX11Connection::processEvents);

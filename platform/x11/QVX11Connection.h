@@ -28,6 +28,7 @@ public:
     xcb_connection_t *get() const { return m_connection; }
     xcb_screen_t *screen() const { return m_screen; }
     xcb_window_t root() const { return m_screen->root; }
+    int screenNumber() const { return m_screenNumber; }
 
     void setListener(Listener listener) { m_listener = std::move(listener); }
     // Called once after each batch of events, for work that a burst should do once.
@@ -39,11 +40,12 @@ public:
     void processEvents();
 
 private:
-    QVX11Connection(xcb_connection_t *connection, xcb_screen_t *screen);
+    QVX11Connection(xcb_connection_t *connection, xcb_screen_t *screen, int screenNumber);
     void dispatch(xcb_generic_event_t *event);
 
     xcb_connection_t *m_connection;
     xcb_screen_t *m_screen;
+    int m_screenNumber;
     std::unique_ptr<QSocketNotifier> m_notifier;
     Listener m_listener;
     std::function<void()> m_batchEnd;

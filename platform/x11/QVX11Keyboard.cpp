@@ -91,16 +91,27 @@ bool QVX11Keyboard::initialize(QString *error)
     const uint16_t mapParts = XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
     xcb_xkb_select_events(c, XCB_XKB_ID_USE_CORE_KBD, events, 0, events, mapParts, mapParts, nullptr);
 
-    struct {
-        xcb_input_event_mask_t head;
-        uint32_t mask;
-    } rawKeys{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
-              XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE};
-    xcb_input_xi_select_events(c, m_connection.root(), 1, &rawKeys.head);
-
+    selectRawEvents(false);
     refreshMapping();
     seedHeldModifiers();
     return true;
+}
+
+void QVX11Keyboard::selectRawEvents(bool buttons)
+{
+    struct {
+        xcb_input_event_mask_t head;
+        uint32_t mask;
+    } raw{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
+          XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE
+              | (buttons ? XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS : 0u)};
+    xcb_input_xi_select_events(m_connection.get(), m_connection.root(), 1, &raw.head);
+}
+
+void QVX11Keyboard::setWatchesButtons(bool watches)
+{
+    selectRawEvents(watches);
+    m_connection.flush();
 }
 
 void QVX11Keyboard::refreshMapping()
@@ -209,6 +220,8 @@ QVX11Keyboard::RawKey QVX11Keyboard::handleRawKeyEvent(const xcb_generic_event_t
     const auto *generic = reinterpret_cast<const xcb_ge_generic_event_t *>(event);
     if (generic->extension != m_xinputOpcode)
         return RawKey::NotRaw;
+    if (generic->event_type == XCB_INPUT_RAW_BUTTON_PRESS)
+        return RawKey::ButtonPressed;
     const bool press = generic->event_type == XCB_INPUT_RAW_KEY_PRESS;
     if (!press && generic->event_type != XCB_INPUT_RAW_KEY_RELEASE)
         return RawKey::NotRaw;

@@ -45,9 +45,12 @@ public:
         NotRaw,           // some other event
         Other,            // a raw key event of no interest
         ModifierReleased, // the user let go of a modifier key
+        ButtonPressed,    // a mouse button went down anywhere (only while watched)
     };
     // Follows XInput 2 raw key events to know which modifier keys are held.
     RawKey handleRawKeyEvent(const xcb_generic_event_t *event, xcb_keycode_t *keyCode);
+    // Also reports button presses, to notice a click elsewhere while the keyboard is taken.
+    void setWatchesButtons(bool watches);
     // Modifier keys held now, by any device.
     QSet<xcb_keycode_t> heldModifierKeys() const { return m_heldModifiers; }
 
@@ -59,6 +62,7 @@ private:
     void readModifierSides();
     void readNumLockMask();
     void seedHeldModifiers();
+    void selectRawEvents(bool buttons);
 
     QVX11Connection &m_connection;
     xcb_key_symbols_t *m_symbols = nullptr;

@@ -119,6 +119,7 @@ bool QVX11Platform::takeKeyboard()
             nullptr));
         if (reply && reply->status == XCB_GRAB_STATUS_SUCCESS) {
             m_keyboardTaken = true;
+            m_keyboard->setWatchesButtons(true);
             return true;
         }
         QThread::msleep(keyboardGrabRetryMilliseconds);
@@ -131,13 +132,29 @@ void QVX11Platform::releaseKeyboard()
     if (!m_keyboardTaken)
         return;
     xcb_ungrab_keyboard(m_connection->get(), XCB_CURRENT_TIME);
-    m_connection->flush();
+    m_keyboard->setWatchesButtons(false);
     m_keyboardTaken = false;
 }
 
 void QVX11Platform::setEventHandler(EventHandler handler)
 {
     m_handler = std::move(handler);
+}
+
+bool QVX11Platform::isCompositingManagerRunning() const
+{
+    xcb_connection_t *c = m_connection->get();
+    if (m_compositorSelection == XCB_ATOM_NONE) {
+        const QByteArray name = QByteArrayLiteral("_NET_WM_CM_S") + QByteArray::number(m_connection->screenNumber());
+        QVXcbReply<xcb_intern_atom_reply_t> atom(
+            xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, uint16_t(name.size()), name.constData()), nullptr));
+        if (!atom)
+            return false;
+        m_compositorSelection = atom->atom;
+    }
+    QVXcbReply<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, m_compositorSelection), nullptr));
+    return owner && owner->owner != XCB_NONE;
 }
 
 void QVX11Platform::beep()
@@ -174,6 +191,14 @@ void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
     switch (m_keyboard->handleRawKeyEvent(event, &keyCode)) {
     case QVX11Keyboard::RawKey::ModifierReleased:
         m_synthesizer->modifierReleased(keyCode);
+        return;
+    case QVX11Keyboard::RawKey::ButtonPressed:
+        if (m_keyboardTaken && m_handler) {
+            // A click elsewhere: whoever has the keyboard should let it go.
+            auto click = std::make_shared<QVEvent>();
+            click->type = QVEvent::LeftMouseDown;
+            m_handler(click);
+        }
         return;
     case QVX11Keyboard::RawKey::Other:
         return;

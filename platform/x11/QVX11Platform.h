@@ -31,6 +31,7 @@ public:
     void releaseKeyboard() override;
     void setEventHandler(EventHandler handler) override;
     void beep() override;
+    bool isCompositingManagerRunning() const override;
 
 private:
     explicit QVX11Platform(std::unique_ptr<QVX11Connection> connection);
@@ -46,5 +47,6 @@ private:
     std::unique_ptr<QVX11InputSynthesizer> m_synthesizer;
     EventHandler m_handler;
     bool m_keyboardTaken = false;
+    mutable xcb_atom_t m_compositorSelection = XCB_ATOM_NONE;
     bool m_mappingChanged = false;
 };

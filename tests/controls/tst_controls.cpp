@@ -1,0 +1,153 @@
+#include "QVCustomControlManager.h"
+#include "QVFakeApplication.h"
+#include "QVModifierFlagBits.h"
+
+#include <QTest>
+
+using namespace QVModifierFlag;
+
+namespace {
+
+QJsonObject withHotKey(QJsonObject control, quint16 keyCode)
+{
+    control.insert(QStringLiteral("Hot Key"),
+                   QJsonObject{{QStringLiteral("Identifier"), QStringLiteral("HK")},
+                               {QStringLiteral("Visual Representation"), QStringLiteral("^→")},
+                               {QStringLiteral("Key Code"), keyCode},
+                               {QStringLiteral("Modifier Flags"), double(Control)}});
+    return control;
+}
+
+// The manager with an editor selection of its own.
+struct Fixture final : public QVCustomControlSelection {
+    Fixture() { manager.setSelection(this); }
+    bool isControlSelected(const QVCustomControlRepresentation &control) const override
+    {
+        return std::any_of(selected.begin(), selected.end(), [&](const auto &ref) { return ref.get() == &control; });
+    }
+    QList<QVCustomControlRef> selectedControls() const override { return selected; }
+
+    QVFakeApplication app;
+    int beeps = 0;
+    QVCustomControlManager manager{&app.defaults, &app, [this] { ++beeps; }};
+    QList<QVCustomControlRef> selected;
+};
+
+} // namespace
+
+class TestControls final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void dictionaryForm();
+    void settingHotKeys();
+    void deleteSelected();
+    void addBelowSelection_data();
+    void addBelowSelection();
+};
+
+void TestControls::dictionaryForm()
+{
+    QVFakeApplication app;
+    const QVCustomControlRef empty = QVCustomControlRepresentation::controlWithDictionaryRepresentation({}, &app);
+    QVERIFY(empty->action() == QVAction::Move && empty->moveDirection() == QVPosition::Right);
+    QVERIFY(empty->moveDelta() == 1 && !empty->moveAccelerate() && !empty->hotKey() && empty->title().isNull());
+    // The identifier is made on first use, then kept and written.
+    const QString identifier = empty->uniqueIdentifier();
+    QVERIFY(!identifier.isEmpty());
+    QCOMPARE(empty->dictionaryRepresentation().value(QStringLiteral("Identifier")), QJsonValue(identifier));
+
+    const QJsonObject stored = withHotKey(
+        {{QStringLiteral("Identifier"), QStringLiteral("6F1C")}, {QStringLiteral("Title"), QStringLiteral("Mine")},
+         {QStringLiteral("Collapsed"), true}, {QStringLiteral("Action"), 41}, {QStringLiteral("Move Direction"), 8},
+         {QStringLiteral("Move Delta"), 25}, {QStringLiteral("Accelerate"), true},
+         {QStringLiteral("Confine to Display"), true}, {QStringLiteral("Move to Edge/Corner Direction"), 10},
+         {QStringLiteral("Move to Other Display Direction"), 9}, {QStringLiteral("Reposition Proportionally"), true},
+         {QStringLiteral("Loop Through Displays"), true}},
+        114);
+    const QVCustomControlRef copy = QVCustomControlRepresentation::controlWithDictionaryRepresentation(stored, &app);
+    QCOMPARE(copy->dictionaryRepresentation(), stored);
+    copy->setTitle(QString());
+    copy->setHotKey(nullptr);
+    QCOMPARE(copy->dictionaryRepresentation().size(), 11); // neither title nor hot key written
+
+    // Wrong types are read as numbers and truths, never range-checked.
+    const QVCustomControlRef odd = QVCustomControlRepresentation::controlWithDictionaryRepresentation(
+        {{QStringLiteral("Action"), QStringLiteral("33")}, {QStringLiteral("Move Delta"), 2.9},
+         {QStringLiteral("Accelerate"), QStringLiteral("yes")}, {QStringLiteral("Title"), true},
+         {QStringLiteral("Move Direction"), 42}, {QStringLiteral("Hot Key"), QStringLiteral("^A")}},
+        &app);
+    QCOMPARE(odd->action(), QVAction::MoveToEdgeOrCorner);
+    QCOMPARE(odd->moveDelta(), 2);
+    QCOMPARE(odd->moveDirection(), 42);
+    QVERIFY(odd->moveAccelerate() && odd->title().isNull() && !odd->hotKey());
+}
+
+void TestControls::settingHotKeys()
+{
+    QVFakeApplication app;
+    QVCustomControlRepresentation control(&app);
+    const QString id = control.uniqueIdentifier();
+    const auto hotKey = QVHotKey::hotKeyWithIdentifer(id, QStringLiteral("^→"), 114, Control);
+    QVERIFY(!control.shouldSetHotKey(hotKey, QString())); // meant for another control
+    QVERIFY(control.shouldSetHotKey(hotKey, id) && hotKey->isRegistered());
+    app.platform.refused.append({38, QVCarbonModifier::Command});
+    QVERIFY(!control.shouldSetHotKey(QVHotKey::hotKeyWithIdentifer(id, QStringLiteral("⌘A"), 38, Command), id));
+    QCOMPARE(control.hotKey(), hotKey); // a refused hot key leaves the old one
+    control.setAction(QVAction::None); // nothing to trigger: refused, but clearing is allowed
+    QVERIFY(!control.shouldSetHotKey(QVHotKey::hotKeyWithIdentifer(id, QStringLiteral("^↑"), 111, Control), id));
+    QVERIFY(control.shouldSetHotKey(nullptr, id) && !control.hotKey());
+}
+
+void TestControls::deleteSelected()
+{
+    Fixture f;
+    f.app.set(QStringLiteral("Custom Controls"),
+              QJsonArray{withHotKey({}, 113), QStringLiteral("not a control"), withHotKey({}, 114)});
+    f.manager.loadControls();
+    QCOMPARE(f.manager.controls().size(), 2);
+    f.manager.deleteSelectedControls();
+    QCOMPARE(f.beeps, 1); // nothing selected
+    f.selected = {f.manager.controls()[0]};
+    f.manager.deleteSelectedControls();
+    f.selected.clear();
+    QCOMPARE(f.manager.controls().size(), 1);
+    QCOMPARE(f.app.platform.activeHotKeys.size(), 1); // hot keys go with their controls
+    QCOMPARE(f.app.platform.activeHotKeys.first().keyCode, quint16(114));
+}
+
+void TestControls::addBelowSelection_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QList<int>>("selected");
+    QTest::addColumn<bool>("belowSelection");
+    QTest::addColumn<int>("expectedIndex");
+
+    QTest::newRow("empty list") << 0 << QList<int>() << true << 0;
+    QTest::newRow("one selected control") << 1 << QList<int>{0} << true << 1;
+    QTest::newRow("first and second of three") << 3 << QList<int>{0, 1} << true << 2;
+    QTest::newRow("first of three") << 3 << QList<int>{0} << true << 1;
+    QTest::newRow("none of three") << 3 << QList<int>() << true << 3;
+    QTest::newRow("not asked to") << 3 << QList<int>{0} << false << 3;
+}
+
+void TestControls::addBelowSelection()
+{
+    QFETCH(int, count);
+    QFETCH(QList<int>, selected);
+    QFETCH(bool, belowSelection);
+    QFETCH(int, expectedIndex);
+
+    Fixture f;
+    for (int index = 0; index < count; ++index)
+        f.manager.addControlWithDictionaryRepresentation({}, false);
+    for (int index : selected)
+        f.selected.append(f.manager.controls()[index]);
+    const QVCustomControlRef added = f.manager.addControlWithDictionaryRepresentation({}, belowSelection);
+    QCOMPARE(f.manager.controls().size(), count + 1);
+    QCOMPARE(f.manager.controls().indexOf(added), expectedIndex);
+}
+
+QTEST_GUILESS_MAIN(TestControls)
+#include "tst_controls.moc"

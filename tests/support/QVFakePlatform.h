@@ -1,0 +1,57 @@
+#pragma once
+
+#include "QVPlatform.h"
+
+#include <QList>
+#include <QMap>
+
+// Displays with the given frames (window coordinates, primary first).
+inline QVDisplayList QVFakeDisplays(const QList<QVRect> &frames)
+{
+    QVDisplayList displays;
+    for (const QVRect &frame : frames)
+        displays.append({frame, frame, {}});
+    return displays;
+}
+
+// A scripted window system: displays, pointer and key repeat rate as the test sets
+// them; posted moves and hot key registrations recorded for the test to read.
+class QVFakePlatform final : public QVPlatform
+{
+public:
+    QVDisplayList displays() const override { return displayList; }
+    QVPoint mouseLocation() const override { return pointer; }
+    bool postMouseMoved(const QVPoint &globalPoint) override { return postedMoves.append(globalPoint), true; }
+    bool postMouseButton(bool, bool, bool) override { return ++buttonEvents, true; }
+    // Handles count up from 1; combinations in refused are turned down.
+    std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason) override
+    {
+        registrationRequests.append(registration);
+        if (refused.contains(qMakePair(registration.keyCode, registration.carbonModifiers))) {
+            if (reason)
+                *reason = QStringLiteral("held by another client");
+            return std::nullopt;
+        }
+        activeHotKeys.insert(++m_lastHandle, registration);
+        return m_lastHandle;
+    }
+    void unregisterHotKey(Handle handle) override { activeHotKeys.remove(handle); }
+    RepeatThresholds keyRepeatThresholds() const override { return thresholds; }
+    bool takeKeyboard() override { return true; }
+    void releaseKeyboard() override {}
+    void setEventHandler(EventHandler) override {}
+    void beep() override {}
+    bool isCompositingManagerRunning() const override { return true; }
+
+    QVDisplayList displayList;
+    QVPoint pointer;
+    RepeatThresholds thresholds{15, 2};
+    QList<QPair<quint16, quint32>> refused; // key code, carbon modifiers
+    QList<QVPoint> postedMoves;             // global coordinates
+    int buttonEvents = 0;
+    QList<QVHotKeyRegistration> registrationRequests; // refused ones included
+    QMap<Handle, QVHotKeyRegistration> activeHotKeys;
+
+private:
+    Handle m_lastHandle = 0;
+};
