@@ -3,6 +3,10 @@
 #include "QVHotKey.h"
 #include "QVLog.h"
 #include "QVPlatform.h"
+#include "QVPointerEvents.h"
+#include "QVScreenGeometry.h"
+#include "QVScreenOverlayCommand.h"
+#include "QVScreenOverlayPanel.h"
 #include "QVUserDefaults.h"
 
 #include <QAction>
@@ -24,6 +28,7 @@ QVMainController::QVMainController(QVPlatform &platform, QVUserDefaults &default
       m_accountsForCapsLock(defaults.boolForKey(capsLockKey))
 {
     connect(&defaults, &QVUserDefaults::changedExternally, this, &QVMainController::settingsChangedExternally);
+    m_engine.setScreenSectionPresenter(this);
 }
 
 QVMainController::~QVMainController()
@@ -121,4 +126,81 @@ void QVMainController::registerHotKeysAgain()
             QVLog(QStringLiteral("hot key %1 of \"%2\" cannot be registered again: %3")
                       .arg(hotKey->visualRepresentation(), control->displayTitleWithSuffixes(nullptr), reason));
     }
+}
+
+void QVMainController::dispatchEventNormally(const QVEventRef &event)
+{
+    // A grabbed key no control claims belongs to no one else: only the overlay takes it.
+    if (m_overlayPanel)
+        m_overlayPanel->sendEvent(event);
+}
+
+bool QVMainController::isOverlayActive() const
+{
+    return m_overlayPanel && m_overlayPanel->active();
+}
+
+void QVMainController::performOverlayPanelAction()
+{
+    if (!m_overlayPanel)
+        return;
+    const QVDisplayService::Snapshot snapshot = m_platform.displaysAndMouseLocation();
+    const QVPoint target = QVPointConfinedToRect(m_overlayPanel->frame(), m_overlayPanel->focusPoint());
+    if (!(target == snapshot.mouseLocation))
+        QVPostMouseMovedEvent(m_platform, true, target, snapshot.displays);
+    m_overlayPanel->setActive(false);
+}
+
+void QVMainController::activateOverlayWithFrame(const QVRect &displayFrame)
+{
+    if (!m_overlayPanel) {
+        m_overlayPanel = std::make_unique<QVScreenOverlayPanel>(m_platform, displayFrame);
+        m_overlayPanel->setDelegate(this);
+    } else {
+        m_overlayPanel->setFrame(displayFrame);
+    }
+    m_overlayPanel->setActive(true);
+}
+
+bool QVMainController::handleKeyDownEvent(const QVEvent &event, QVScreenOverlayPanel &panel)
+{
+    if (!panel.active())
+        return false;
+    const QVScreenOverlayCommand command = QVScreenOverlayCommand::forKeyDown(event);
+    switch (command.kind) {
+    case QVScreenOverlayCommand::Ignore:
+    case QVScreenOverlayCommand::OpenPreferences: // no settings window yet
+        break;
+    case QVScreenOverlayCommand::Perform:
+        performOverlayPanelAction();
+        break;
+    case QVScreenOverlayCommand::NextDisplay:
+        moveOverlayToNextDisplay(panel);
+        break;
+    case QVScreenOverlayCommand::RemoveLastStep:
+        panel.removeLastStep();
+        break;
+    case QVScreenOverlayCommand::AddStep:
+        panel.addStep(command.position);
+        break;
+    case QVScreenOverlayCommand::Close:
+        panel.setActive(false);
+        break;
+    }
+    return true;
+}
+
+bool QVMainController::screenOverlayPanelShouldAutoDeactivate(QVScreenOverlayPanel &panel)
+{
+    Q_UNUSED(panel);
+    return true;
+}
+
+void QVMainController::moveOverlayToNextDisplay(QVScreenOverlayPanel &panel)
+{
+    const QVDisplayList displays = m_platform.displays();
+    const QVDisplay *current = screenAtPosition(QVPosition::None, panel.frame().center(), displays);
+    // The steps are kept: the same sections apply to the next display.
+    if (const QVDisplay *next = screenAtRelativePosition(current, QVPosition::Right, true, displays))
+        panel.setFrame(next->frame);
 }

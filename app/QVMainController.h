@@ -3,6 +3,8 @@
 #include "QVActionEngine.h"
 #include "QVCustomControlManager.h"
 #include "QVHotKeyDelegate.h"
+#include "QVScreenOverlayPanelDelegate.h"
+#include "QVScreenSectionPresenter.h"
 
 #include <QObject>
 
@@ -14,7 +16,10 @@ class QVUserDefaults;
 
 // The application's controller: it stands for the application in hot key
 // registration, owns the list of controls and hands actions to the engine.
-class QVMainController final : public QObject, public QVHotKeyDelegate
+class QVMainController final : public QObject,
+                               public QVHotKeyDelegate,
+                               public QVScreenSectionPresenter,
+                               public QVScreenOverlayPanelDelegate
 {
     Q_OBJECT
 
@@ -35,6 +40,19 @@ public:
     // The item's data names a control by its unique identifier.
     void performCustomControlActionForMenuItem(const QAction *item);
 
+    // Events no hot key claimed: keys and clicks for the overlay while it is up.
+    void dispatchEventNormally(const QVEventRef &event);
+
+    // QVScreenSectionPresenter
+    bool isOverlayActive() const override;
+    void performOverlayPanelAction() override;
+    void activateOverlayWithFrame(const QVRect &displayFrame) override;
+    QVScreenOverlayPanel *overlayPanel() const { return m_overlayPanel.get(); }
+
+    // QVScreenOverlayPanelDelegate
+    bool handleKeyDownEvent(const QVEvent &event, QVScreenOverlayPanel &panel) override;
+    bool screenOverlayPanelShouldAutoDeactivate(QVScreenOverlayPanel &panel) override;
+
     QVCustomControlManager &customControlManager() { return *m_manager; }
     QVActionEngine &actionEngine() { return m_engine; }
 
@@ -48,10 +66,12 @@ public:
 private:
     void settingsChangedExternally();
     void registerHotKeysAgain();
+    void moveOverlayToNextDisplay(QVScreenOverlayPanel &panel);
 
     QVPlatform &m_platform;
     QVUserDefaults &m_defaults;
     std::unique_ptr<QVCustomControlManager> m_manager;
     QVActionEngine m_engine;
+    std::unique_ptr<QVScreenOverlayPanel> m_overlayPanel; // made on first use, then kept
     bool m_accountsForCapsLock = false;
 };

@@ -97,7 +97,7 @@ int main(int argc, char **argv)
         [&controller](const QVEvent *event, bool isRepetition, bool *shouldRepeat) {
             return controller.performActionTriggeredByControl(nullptr, event, isRepetition, shouldRepeat);
         },
-        [](const QVEventRef &) {}, // a grabbed key no control claims belongs to no one else
+        [&controller](const QVEventRef &event) { controller.dispatchEventNormally(event); },
         *platform, repetitionTimer));
     platform->setEventHandler([&application](const QVEventRef &event) { application.sendEvent(event); });
 

@@ -17,6 +17,10 @@ public:
         QVDisplayList displays;
         QVPoint mouseLocation;
     };
+    // A global point in the window system's own absolute coordinates (where the
+    // primary display need not sit at the origin).
+    virtual QVPoint windowSystemPointFromGlobal(const QVPoint &global) const { return global; }
+
     // Both at once, as one consistent reading.
     virtual Snapshot displaysAndMouseLocation() const { return {displays(), mouseLocation()}; }
 };

@@ -21,6 +21,8 @@ public:
     const QVDisplayList &displays() const { return m_displays; }
 
     QVPoint windowPointFromRoot(int column, int row) const;
+    // Where the primary monitor's top left sits on the root window.
+    QVPoint primaryOrigin() const { return {double(m_primaryX), double(m_primaryY)}; }
     // The root pixel of a global point (y down from the primary's top left), kept
     // on a monitor: a point on a right or bottom edge with no neighbour there
     // stays on the monitor's last column or row, never in the space beside it.

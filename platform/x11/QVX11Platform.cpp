@@ -81,6 +81,12 @@ QVDisplayService::Snapshot QVX11Platform::displaysAndMouseLocation() const
     return snapshot;
 }
 
+QVPoint QVX11Platform::windowSystemPointFromGlobal(const QVPoint &global) const
+{
+    const QVPoint origin = m_displays->primaryOrigin();
+    return {global.x + origin.x, global.y + origin.y};
+}
+
 bool QVX11Platform::postMouseMoved(const QVPoint &globalPoint)
 {
     return m_synthesizer->postMouseMoved(globalPoint);

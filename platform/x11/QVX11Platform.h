@@ -22,6 +22,7 @@ public:
     QVDisplayList displays() const override;
     QVPoint mouseLocation() const override;
     Snapshot displaysAndMouseLocation() const override;
+    QVPoint windowSystemPointFromGlobal(const QVPoint &global) const override;
     bool postMouseMoved(const QVPoint &globalPoint) override;
     bool postMouseButton(bool down, bool rightButton, bool usePrivateSource) override;
     std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason) override;
