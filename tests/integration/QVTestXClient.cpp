@@ -144,3 +144,35 @@ bool QVTestXClient::receivedKeyPress(xcb_keycode_t key, int timeoutMilliseconds)
     } while (!deadline.hasExpired());
     return false;
 }
+
+bool QVTestXClient::grabKeyboard()
+{
+    auto grab = reply(xcb_grab_keyboard_reply(
+        m_connection,
+        xcb_grab_keyboard(m_connection, 0, m_screen->root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+        nullptr));
+    return grab && grab->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+void QVTestXClient::ungrabKeyboard()
+{
+    xcb_ungrab_keyboard(m_connection, XCB_CURRENT_TIME);
+    sync();
+}
+
+bool QVTestXClient::hasViewableWindowAt(const QRect &root)
+{
+    auto tree = reply(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_screen->root), nullptr));
+    if (!tree)
+        return false;
+    const xcb_window_t *children = xcb_query_tree_children(tree.get());
+    for (int index = 0; index < xcb_query_tree_children_length(tree.get()); ++index) {
+        auto attributes = reply(xcb_get_window_attributes_reply(
+            m_connection, xcb_get_window_attributes(m_connection, children[index]), nullptr));
+        auto geometry = reply(xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, children[index]), nullptr));
+        if (attributes && geometry && attributes->map_state == XCB_MAP_STATE_VIEWABLE
+            && QRect(geometry->x, geometry->y, geometry->width, geometry->height) == root)
+            return true;
+    }
+    return false;
+}

@@ -58,6 +58,11 @@ public:
     // Waits with a deadline for the next button event at the recording window.
     std::optional<ButtonEvent> nextButtonEvent(int timeoutMilliseconds);
 
+    // Whether a window of some client is mapped exactly over the root rectangle.
+    bool hasViewableWindowAt(const QRect &root);
+    // Takes the keyboard as another program would; false while someone else has it.
+    bool grabKeyboard();
+    void ungrabKeyboard();
     // Grabs a key combination the way another program would; false when refused.
     bool grabKey(xcb_keycode_t key, quint16 modifiers);
     // Whether a key press of that combination reached this client.
