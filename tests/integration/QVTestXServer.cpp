@@ -41,6 +41,13 @@ EndSection
 
 } // namespace
 
+QList<QVTestXServer::Monitor> QVTestXServer::threeMonitors()
+{
+    return {{QStringLiteral("P"), QRect(1280, 0, 1920, 1080), true},
+            {QStringLiteral("L"), QRect(0, 280, 1280, 800), false},
+            {QStringLiteral("R"), QRect(3200, 100, 960, 600), false}};
+}
+
 int QVTestXServer::freeDisplayNumber()
 {
     // Spread the numbers by process so that parallel test runs do not collide.

@@ -19,6 +19,10 @@ public:
         bool primary = false;
     };
 
+    // Three monitors of different sizes in a 4160x1080 root: L 1280x800 at (0,280),
+    // the primary P 1920x1080 at (1280,0), R 960x600 at (3200,100).
+    static QList<Monitor> threeMonitors();
+
     // One screen of the given size.
     static std::unique_ptr<QVTestXServer> startXvfb(int width, int height, QString *error);
     // Xorg with the dummy driver and RandR monitors carved out of one large screen.

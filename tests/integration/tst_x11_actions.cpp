@@ -13,12 +13,7 @@ namespace {
 
 constexpr quint64 controlOption = 0xC0000;
 
-// Root layout: L 1280x800 at (0,280) | P 1920x1080 at (1280,0), primary | R 960x600 at (3200,100).
-const QList<QVTestXServer::Monitor> layout{
-    {QStringLiteral("P"), QRect(1280, 0, 1920, 1080), true},
-    {QStringLiteral("L"), QRect(0, 280, 1280, 800), false},
-    {QStringLiteral("R"), QRect(3200, 100, 960, 600), false},
-};
+const QList<QVTestXServer::Monitor> layout = QVTestXServer::threeMonitors();
 
 QJsonObject move(qint64 direction, bool confined = false)
 {
