@@ -1,5 +1,7 @@
 #include "QVAlphaValueAnimationWindow.h"
 
+#include "QVWindowShape.h"
+
 #include <QCursor>
 #include <QGuiApplication>
 
@@ -76,6 +78,8 @@ void QVAlphaValueAnimationWindow::setAlphaValue(double alphaValue)
 {
     m_alphaValue = alphaValue;
     setWindowOpacity(alphaValue);
+    // Without this a fade would stall at its first step until something else happens.
+    QVFlushWindowSystem();
 }
 
 bool QVAlphaValueAnimationWindow::isWindowVisible() const

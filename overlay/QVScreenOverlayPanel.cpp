@@ -31,17 +31,19 @@ void QVScreenOverlayPanel::setActive(bool active)
         redisplay();
     if (active == m_active)
         return;
-    m_active = active;
     if (active) {
-        stepsChanged();
-        orderFrontAndFadeInToAlphaValue(1.0, false);
+        // The keyboard first: once the overlay is on screen, the next key is its own.
         if (!platform().takeKeyboard()) {
             QVLog(QStringLiteral("the screen section overlay cannot have the keyboard: another program holds it"));
             platform().beep();
-            setActive(false);
+            return;
         }
+        m_active = true;
+        stepsChanged();
+        orderFrontAndFadeInToAlphaValue(1.0, false);
         return;
     }
+    m_active = false;
     platform().releaseKeyboard();
     vanishAndClose();
     m_steps.clear();

@@ -3,10 +3,13 @@
 #include "QVBezel.h"
 #include "QVPlatform.h"
 #include "QVScreenGeometry.h"
+#include "QVWindowShape.h"
 
 #include <QBitmap>
+#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
+#include <QScreen>
 
 #include <cmath>
 
@@ -26,15 +29,37 @@ QVSelfDrawingOverlayWindow::QVSelfDrawingOverlayWindow(QVPlatform &platform, con
 void QVSelfDrawingOverlayWindow::setFrame(const QVRect &frame)
 {
     m_frame = frame;
-    // Window coordinates to the window system's: flip against the primary display,
-    // then from device to Qt's logical pixels.
+    // Window coordinates to the window system's: flip against the primary display.
     const QVDisplayList displays = m_platform.displays();
     const QVRect global = QVGlobalCGRectFromNSRect(frame, displays);
     const QVPoint origin = m_platform.windowSystemPointFromGlobal({global.x, global.y});
-    const double ratio = devicePixelRatioF();
-    setGeometry(QRect(int(std::lround(origin.x / ratio)), int(std::lround(origin.y / ratio)),
-                      int(std::lround(frame.width / ratio)), int(std::lround(frame.height / ratio))));
+    const QRect native(int(std::lround(origin.x)), int(std::lround(origin.y)), int(std::lround(frame.width)),
+                       int(std::lround(frame.height)));
+    QScreen *screen = nullptr;
+    const QRect logical = logicalGeometry(native, &screen);
+    if (screen)
+        setScreen(screen);
+    setGeometry(logical);
     redisplay();
+}
+
+QRect QVSelfDrawingOverlayWindow::logicalGeometry(const QRect &native, QScreen **screenOut)
+{
+    // Qt keeps each screen's top left where it is natively and scales the rest of
+    // the screen about that point.
+    for (QScreen *screen : QGuiApplication::screens()) {
+        const double ratio = screen->devicePixelRatio();
+        const QPoint origin = screen->geometry().topLeft();
+        const QRect nativeArea(origin, (QSizeF(screen->geometry().size()) * ratio).toSize());
+        if (!nativeArea.contains(native.topLeft()))
+            continue;
+        *screenOut = screen;
+        return {origin + (native.topLeft() - origin) / ratio, (QSizeF(native.size()) / ratio).toSize()};
+    }
+    const QScreen *primary = QGuiApplication::primaryScreen();
+    const double ratio = primary ? primary->devicePixelRatio() : 1.0;
+    *screenOut = nullptr;
+    return {native.topLeft() / ratio, (QSizeF(native.size()) / ratio).toSize()};
 }
 
 void QVSelfDrawingOverlayWindow::redisplay()
@@ -74,6 +99,10 @@ void QVSelfDrawingOverlayWindow::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
+    if (!m_shapedPicture.isNull()) {
+        painter.drawImage(QPointF(0.0, 0.0), m_shapedPicture);
+        return;
+    }
     painter.fillRect(rect(), Qt::transparent);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     paintContent(painter);
@@ -85,20 +114,32 @@ void QVSelfDrawingOverlayWindow::showEvent(QShowEvent *event)
     updateShape();
 }
 
+void QVSelfDrawingOverlayWindow::hideEvent(QHideEvent *event)
+{
+    QVAlphaValueAnimationWindow::hideEvent(event);
+    m_shapedPicture = QImage(); // a whole display's worth of pixels
+}
+
 void QVSelfDrawingOverlayWindow::updateShape()
 {
     if (m_platform.isCompositingManagerRunning()) {
-        clearMask();
+        m_shapedPicture = QImage();
+        QVSetWindowShape(*this, nullptr);
         return;
     }
-    // No compositor: the window shows only the pixels it draws.
-    QImage picture(size() * devicePixelRatioF(), QImage::Format_ARGB32_Premultiplied);
-    picture.setDevicePixelRatio(devicePixelRatioF());
+    // No compositor: the window shows only the pixels it draws, the faint ones
+    // (the far edges of smoothed curves) left out.
+    const double ratio = devicePixelRatioF();
+    QImage picture(size() * ratio, QImage::Format_ARGB32_Premultiplied);
+    picture.setDevicePixelRatio(ratio);
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     paintContent(painter);
     painter.end();
-    QBitmap shape = QBitmap::fromImage(picture.createAlphaMask());
-    shape.setDevicePixelRatio(devicePixelRatioF());
-    setMask(shape);
+    const QRegion drawn(QBitmap::fromImage(picture.createAlphaMask(Qt::ThresholdAlphaDither)));
+    // Nothing blends such a window with what lies beneath it: each pixel shows at
+    // its own colour, fully opaque, rather than darkened by its transparency.
+    m_shapedPicture = picture.convertToFormat(QImage::Format_ARGB32);
+    m_shapedPicture.reinterpretAsFormat(QImage::Format_RGB32);
+    QVSetWindowShape(*this, &drawn);
 }

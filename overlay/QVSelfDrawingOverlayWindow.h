@@ -3,7 +3,10 @@
 #include "QVAlphaValueAnimationWindow.h"
 #include "QVGeometry.h"
 
+#include <QImage>
+
 class QPainter;
+class QScreen;
 class QVPlatform;
 
 // A borderless window that floats above every other window, lets the mouse
@@ -37,8 +40,11 @@ protected:
 
     void paintEvent(QPaintEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
 private:
+    // Where Qt must place a window to cover the rectangle given in device pixels.
+    static QRect logicalGeometry(const QRect &native, QScreen **screen);
     QVRect drawingBounds() const;
     void paintContent(QPainter &painter);
     void updateShape();
@@ -46,4 +52,6 @@ private:
     QVPlatform &m_platform;
     QVRect m_frame;
     bool m_flipContent;
+    // Without a compositor: the picture as shown, opaque, drawn when the shape is made.
+    QImage m_shapedPicture;
 };

@@ -11,7 +11,7 @@ packages=(
     libxcb-keysyms1-dev libxkbcommon-dev
 )
 if [[ "${1:-}" == "--tests" ]]; then
-    packages+=(xvfb xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils xdotool)
+    packages+=(xvfb xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils xdotool libxcb-shape0-dev xcompmgr picom)
 fi
 
 missing=()

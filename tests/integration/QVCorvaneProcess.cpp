@@ -29,6 +29,13 @@ QVCorvaneProcess::~QVCorvaneProcess()
         stop(SIGKILL);
 }
 
+void QVCorvaneProcess::setEnvironmentVariable(const QString &name, const QString &value)
+{
+    QProcessEnvironment environment = m_process.processEnvironment();
+    environment.insert(name, value);
+    m_process.setProcessEnvironment(environment);
+}
+
 bool QVCorvaneProcess::start()
 {
     m_process.start();

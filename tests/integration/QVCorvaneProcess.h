@@ -12,6 +12,8 @@ public:
     QVCorvaneProcess(const QString &displayName, const QString &settingsPath);
     ~QVCorvaneProcess();
 
+    // For the process not yet started, e.g. QT_SCALE_FACTOR.
+    void setEnvironmentVariable(const QString &name, const QString &value);
     // Starts and waits until it has registered its hot keys; false on a deadline.
     bool start();
     // Sends the signal and waits for the exit; the exit code, or -1.

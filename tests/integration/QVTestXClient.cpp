@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include <xcb/shape.h>
 #include <xcb/xtest.h>
 
 namespace {
@@ -160,11 +161,11 @@ void QVTestXClient::ungrabKeyboard()
     sync();
 }
 
-bool QVTestXClient::hasViewableWindowAt(const QRect &root)
+xcb_window_t QVTestXClient::viewableWindowAt(const QRect &root)
 {
     auto tree = reply(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_screen->root), nullptr));
     if (!tree)
-        return false;
+        return XCB_NONE;
     const xcb_window_t *children = xcb_query_tree_children(tree.get());
     for (int index = 0; index < xcb_query_tree_children_length(tree.get()); ++index) {
         auto attributes = reply(xcb_get_window_attributes_reply(
@@ -172,7 +173,65 @@ bool QVTestXClient::hasViewableWindowAt(const QRect &root)
         auto geometry = reply(xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, children[index]), nullptr));
         if (attributes && geometry && attributes->map_state == XCB_MAP_STATE_VIEWABLE
             && QRect(geometry->x, geometry->y, geometry->width, geometry->height) == root)
-            return true;
+            return children[index];
     }
-    return false;
+    return XCB_NONE;
+}
+
+bool QVTestXClient::isShaped(xcb_window_t window)
+{
+    auto extents = reply(xcb_shape_query_extents_reply(m_connection, xcb_shape_query_extents(m_connection, window), nullptr));
+    return extents && extents->bounding_shaped;
+}
+
+void QVTestXClient::click(int button)
+{
+    xcb_test_fake_input(m_connection, XCB_BUTTON_PRESS, uint8_t(button), XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    xcb_test_fake_input(m_connection, XCB_BUTTON_RELEASE, uint8_t(button), XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    sync();
+}
+
+void QVTestXClient::paintDesktop(QRgb color)
+{
+    // The root visual is 24-bit TrueColor on the test servers: the pixel is the RGB value.
+    const uint32_t pixel = color & 0xffffff;
+    if (m_desktop == XCB_NONE) {
+        m_desktop = xcb_generate_id(m_connection);
+        const uint32_t values[] = {pixel, 1};
+        xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_desktop, m_screen->root, 0, 0,
+                          m_screen->width_in_pixels, m_screen->height_in_pixels, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          m_screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+        xcb_map_window(m_connection, m_desktop);
+    } else {
+        xcb_change_window_attributes(m_connection, m_desktop, XCB_CW_BACK_PIXEL, &pixel);
+        xcb_clear_area(m_connection, 0, m_desktop, 0, 0, 0, 0);
+    }
+    sync();
+}
+
+bool QVTestXClient::compositingManagerRunning()
+{
+    const QByteArray name = QByteArrayLiteral("_NET_WM_CM_S0");
+    auto atom = reply(xcb_intern_atom_reply(
+        m_connection, xcb_intern_atom(m_connection, 0, uint16_t(name.size()), name.constData()), nullptr));
+    if (!atom)
+        return false;
+    auto owner = reply(xcb_get_selection_owner_reply(m_connection, xcb_get_selection_owner(m_connection, atom->atom),
+                                                     nullptr));
+    return owner && owner->owner != XCB_NONE;
+}
+
+QImage QVTestXClient::screenshot(const QRect &root)
+{
+    auto image = reply(xcb_get_image_reply(
+        m_connection,
+        xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, int16_t(root.x()), int16_t(root.y()),
+                      uint16_t(root.width()), uint16_t(root.height()), ~0u),
+        nullptr));
+    if (!image || image->depth != 24)
+        return {};
+    // 32 bits per pixel, BGRX in memory: Qt's RGB32 on a little-endian machine.
+    const QImage view(xcb_get_image_data(image.get()), root.width(), root.height(), root.width() * 4,
+                      QImage::Format_RGB32);
+    return view.copy();
 }

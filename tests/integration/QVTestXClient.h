@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QList>
 #include <QPoint>
 #include <QRect>
@@ -48,6 +49,8 @@ public:
 
     QPoint pointer();
     void movePointer(const QPoint &root);
+    // Presses and releases a pointer button through XTest.
+    void click(int button);
     // Key codes the server has down now.
     QList<xcb_keycode_t> keysDown();
     // Lock state of the core keyboard (XCB_MOD_MASK_LOCK, the NumLock mask ...).
@@ -58,8 +61,18 @@ public:
     // Waits with a deadline for the next button event at the recording window.
     std::optional<ButtonEvent> nextButtonEvent(int timeoutMilliseconds);
 
-    // Whether a window of some client is mapped exactly over the root rectangle.
-    bool hasViewableWindowAt(const QRect &root);
+    // A window of some client mapped exactly over the root rectangle, or XCB_NONE.
+    xcb_window_t viewableWindowAt(const QRect &root);
+    bool hasViewableWindowAt(const QRect &root) { return viewableWindowAt(root) != XCB_NONE; }
+    // Whether the window's bounding region is shaped (narrower than its rectangle).
+    bool isShaped(xcb_window_t window);
+    // Covers the whole screen with a window of one flat colour, a stand-in for the
+    // desktop and the user's windows that makes what lies above them easy to tell.
+    void paintDesktop(QRgb color);
+    // Whether a compositing manager owns the screen's _NET_WM_CM selection.
+    bool compositingManagerRunning();
+    // The pixels on screen in the root rectangle, as a compositing manager shows them.
+    QImage screenshot(const QRect &root);
     // Takes the keyboard as another program would; false while someone else has it.
     bool grabKeyboard();
     void ungrabKeyboard();
@@ -74,4 +87,5 @@ private:
     xcb_connection_t *m_connection = nullptr;
     xcb_screen_t *m_screen = nullptr;
     xcb_window_t m_window = XCB_NONE;
+    xcb_window_t m_desktop = XCB_NONE;
 };
