@@ -146,6 +146,12 @@ bool QVTestXClient::receivedKeyPress(xcb_keycode_t key, int timeoutMilliseconds)
     return false;
 }
 
+xcb_window_t QVTestXClient::inputFocus()
+{
+    auto focus = reply(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    return focus ? focus->focus : XCB_NONE;
+}
+
 bool QVTestXClient::grabKeyboard()
 {
     auto grab = reply(xcb_grab_keyboard_reply(

@@ -73,6 +73,8 @@ public:
     bool compositingManagerRunning();
     // The pixels on screen in the root rectangle, as a compositing manager shows them.
     QImage screenshot(const QRect &root);
+    // The window that has the input focus (or PointerRoot, None).
+    xcb_window_t inputFocus();
     // Takes the keyboard as another program would; false while someone else has it.
     bool grabKeyboard();
     void ungrabKeyboard();

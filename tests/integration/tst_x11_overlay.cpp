@@ -123,6 +123,8 @@ void TestX11Overlay::narrowAndLand_data()
     QTest::newRow("the hot key again confirms") << QPoint(1500, 500) << layout[0].rootRect << QList<int>{keyK, pressHotKey} << QPoint(2240, 270);
     QTest::newRow("Backspace undoes a step") << QPoint(1500, 500) << layout[0].rootRect << QList<int>{keyK, backspaceKey, returnKey}
                                              << QPoint(2240, 540);
+    QTest::newRow("Backspace without steps keeps it open")
+        << QPoint(1500, 500) << layout[0].rootRect << QList<int>{backspaceKey, returnKey} << QPoint(2240, 540);
     QTest::newRow("opens on the monitor under the pointer")
         << QPoint(100, 500) << layout[1].rootRect << QList<int>{returnKey} << QPoint(640, 680);
     QTest::newRow("Tab goes right, looping") << QPoint(3300, 300) << layout[2].rootRect << QList<int>{tabKey, returnKey}
@@ -141,8 +143,12 @@ void TestX11Overlay::narrowAndLand()
     QFETCH(QPoint, expected);
 
     m_client->movePointer(start);
+    const xcb_window_t focus = m_client->inputFocus();
     m_client->tap(keyS, {QVTestKey::ControlL, QVTestKey::AltL});
     QTRY_VERIFY_WITH_TIMEOUT(m_client->hasViewableWindowAt(monitor), 5000);
+    // The overlay has the keyboard through a grab; the focus stays where it was.
+    QVERIFY(!m_client->grabKeyboard());
+    QCOMPARE(m_client->inputFocus(), focus);
     for (const int key : keys) {
         if (key == pressHotKey)
             m_client->tap(keyS, {QVTestKey::ControlL, QVTestKey::AltL});
