@@ -107,6 +107,25 @@ void QVScreenOverlayPanel::drawOverlayInBounds(QPainter &painter, const QVRect &
     painter.restore();
 }
 
+QList<QVRect> QVScreenOverlayPanel::drawingAreaInBounds(const QVRect &bounds) const
+{
+    bool valid = true;
+    const QList<QVRect> sections = QVScreenSection::sectionsForSteps(bounds, m_steps, &valid);
+    if (!valid)
+        return {};
+    // Every level's cross hair, and the current section's with its halo and ring.
+    QList<QVRect> area;
+    for (const QVRect &section : sections) {
+        const double emphasis = &section == &sections.last() ? 1.0 : 0.0;
+        area << QVScreenSection::verticalBar(section, emphasis) << QVScreenSection::horizontalBar(section, emphasis);
+    }
+    const QVRect ring = QVScreenSection::ringRect(sections.last());
+    const double strokeMargin = 2.0; // half the halo's stroke, and a pixel of smoothing
+    area << QVRect{ring.x - strokeMargin, ring.y - strokeMargin, ring.width + 2.0 * strokeMargin,
+                   ring.height + 2.0 * strokeMargin};
+    return area;
+}
+
 void QVScreenOverlayPanel::drawOverlayInBounds(QPainter &painter, const QVRect &bounds, double emphasis,
                                                const QColor &color, bool highlightLastSection)
 {

@@ -40,6 +40,9 @@ public:
     static QColor selectedControlColor();
     static QColor alternateSelectedControlColor();
 
+    // The cross hairs and the ring: where the picture may have pixels.
+    QList<QVRect> drawingAreaInBounds(const QVRect &bounds) const override;
+
 protected:
     void drawOverlayInBounds(QPainter &painter, const QVRect &bounds) override;
 

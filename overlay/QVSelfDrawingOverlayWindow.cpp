@@ -5,9 +5,8 @@
 #include "QVScreenGeometry.h"
 #include "QVWindowShape.h"
 
-#include <QBitmap>
 #include <QGuiApplication>
-#include <QImage>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QScreen>
 
@@ -64,9 +63,15 @@ QRect QVSelfDrawingOverlayWindow::logicalGeometry(const QRect &native, QScreen *
 
 void QVSelfDrawingOverlayWindow::redisplay()
 {
-    if (isVisible())
-        updateShape();
-    update();
+    const QRegion area = deviceArea();
+    if (!isVisible()) {
+        m_area = area;
+        update();
+        return;
+    }
+    updateShape(area);
+    update(logicalRegion(m_area + area));
+    m_area = area;
 }
 
 QVRect QVSelfDrawingOverlayWindow::drawingBounds() const
@@ -81,65 +86,99 @@ void QVSelfDrawingOverlayWindow::drawOverlayInBounds(QPainter &painter, const QV
                      QColor::fromRgbF(0.0f, 0.0f, 0.0f, 0.13f));
 }
 
-void QVSelfDrawingOverlayWindow::paintContent(QPainter &painter)
+QList<QVRect> QVSelfDrawingOverlayWindow::drawingAreaInBounds(const QVRect &) const
+{
+    return {};
+}
+
+QRegion QVSelfDrawingOverlayWindow::deviceArea() const
+{
+    const QRect whole(QPoint(0, 0), size() * devicePixelRatioF());
+    const QList<QVRect> area = drawingAreaInBounds(drawingBounds());
+    if (area.isEmpty())
+        return whole;
+    QRegion region;
+    for (const QVRect &rect : area)
+        region += deviceRect(rect);
+    return region & whole;
+}
+
+QRect QVSelfDrawingOverlayWindow::deviceRect(const QVRect &rect) const
+{
+    // Whole pixels covering the rectangle, counted from the window's top left.
+    const double left = m_flipContent ? rect.x : rect.x - m_frame.x;
+    const double top = m_flipContent ? rect.y : m_frame.maxY() - rect.maxY();
+    const int x = int(std::floor(left));
+    const int y = int(std::floor(top));
+    return {x, y, int(std::ceil(left + rect.width)) - x, int(std::ceil(top + rect.height)) - y};
+}
+
+QRegion QVSelfDrawingOverlayWindow::logicalRegion(const QRegion &device) const
+{
+    const double ratio = devicePixelRatioF();
+    QRegion logical;
+    for (const QRect &rect : device) {
+        const int x = int(std::floor(rect.left() / ratio));
+        const int y = int(std::floor(rect.top() / ratio));
+        logical += QRect(x, y, int(std::ceil((rect.right() + 1) / ratio)) - x,
+                         int(std::ceil((rect.bottom() + 1) / ratio)) - y);
+    }
+    return logical;
+}
+
+void QVSelfDrawingOverlayWindow::paintContent(QPainter &painter, double scale)
 {
     // Draw in device pixels, in the frame's own coordinates.
-    const double ratio = devicePixelRatioF();
-    painter.scale(1.0 / ratio, 1.0 / ratio);
-    if (m_flipContent) {
-        painter.translate(0.0, 0.0);
-    } else {
+    painter.scale(scale, scale);
+    if (!m_flipContent) {
         painter.translate(-m_frame.x, m_frame.maxY());
         painter.scale(1.0, -1.0);
     }
     drawOverlayInBounds(painter, drawingBounds());
 }
 
-void QVSelfDrawingOverlayWindow::paintEvent(QPaintEvent *)
+void QVSelfDrawingOverlayWindow::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    if (!m_shapedPicture.isNull()) {
-        painter.drawImage(QPointF(0.0, 0.0), m_shapedPicture);
+    const double ratio = devicePixelRatioF();
+    if (m_shaped) {
+        const QImage &picture = m_shapedPicture.image();
+        painter.scale(1.0 / ratio, 1.0 / ratio);
+        for (const QRect &rect : event->region()) {
+            const QRect device = QRect(rect.topLeft() * ratio, rect.size() * ratio) & picture.rect();
+            painter.drawImage(device.topLeft(), picture, device);
+        }
         return;
     }
     painter.fillRect(rect(), Qt::transparent);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    paintContent(painter);
+    paintContent(painter, 1.0 / ratio);
 }
 
 void QVSelfDrawingOverlayWindow::showEvent(QShowEvent *event)
 {
     QVAlphaValueAnimationWindow::showEvent(event);
-    updateShape();
+    m_area = deviceArea();
+    updateShape(m_area);
 }
 
 void QVSelfDrawingOverlayWindow::hideEvent(QHideEvent *event)
 {
     QVAlphaValueAnimationWindow::hideEvent(event);
-    m_shapedPicture = QImage(); // a whole display's worth of pixels
+    m_shapedPicture.clear(); // a whole display's worth of pixels
 }
 
-void QVSelfDrawingOverlayWindow::updateShape()
+void QVSelfDrawingOverlayWindow::updateShape(const QRegion &area)
 {
-    if (m_platform.isCompositingManagerRunning()) {
-        m_shapedPicture = QImage();
+    m_shaped = !m_platform.isCompositingManagerRunning();
+    if (!m_shaped) {
+        m_shapedPicture.clear();
         QVSetWindowShape(*this, nullptr);
         return;
     }
-    // No compositor: the window shows only the pixels it draws, the faint ones
-    // (the far edges of smoothed curves) left out.
-    const double ratio = devicePixelRatioF();
-    QImage picture(size() * ratio, QImage::Format_ARGB32_Premultiplied);
-    picture.setDevicePixelRatio(ratio);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    paintContent(painter);
-    painter.end();
-    const QRegion drawn(QBitmap::fromImage(picture.createAlphaMask(Qt::ThresholdAlphaDither)));
-    // Nothing blends such a window with what lies beneath it: each pixel shows at
-    // its own colour, fully opaque, rather than darkened by its transparency.
-    m_shapedPicture = picture.convertToFormat(QImage::Format_ARGB32);
-    m_shapedPicture.reinterpretAsFormat(QImage::Format_RGB32);
+    // No compositor: the window shows only the pixels it draws.
+    const QRegion drawn = m_shapedPicture.redraw(size() * devicePixelRatioF(), area,
+                                                 [this](QPainter &painter) { paintContent(painter, 1.0); });
     QVSetWindowShape(*this, &drawn);
 }

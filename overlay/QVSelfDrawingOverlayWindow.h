@@ -2,8 +2,10 @@
 
 #include "QVAlphaValueAnimationWindow.h"
 #include "QVGeometry.h"
+#include "QVShapedPicture.h"
 
-#include <QImage>
+#include <QList>
+#include <QRegion>
 
 class QPainter;
 class QScreen;
@@ -34,6 +36,9 @@ protected:
     // the window's own, from its top left). By default a light one-point border
     // around a faint dark veil.
     virtual void drawOverlayInBounds(QPainter &painter, const QVRect &bounds);
+    // Where drawOverlayInBounds may put pixels, in the same coordinates; nothing
+    // said means anywhere. A change then repaints only the areas before and after.
+    virtual QList<QVRect> drawingAreaInBounds(const QVRect &bounds) const;
     QVPlatform &platform() const { return m_platform; }
     // The picture changed: shape the window anew and repaint it.
     void redisplay();
@@ -46,12 +51,18 @@ private:
     // Where Qt must place a window to cover the rectangle given in device pixels.
     static QRect logicalGeometry(const QRect &native, QScreen **screen);
     QVRect drawingBounds() const;
-    void paintContent(QPainter &painter);
-    void updateShape();
+    // The drawing area in the window's device pixels.
+    QRegion deviceArea() const;
+    QRect deviceRect(const QVRect &rect) const;
+    QRegion logicalRegion(const QRegion &device) const;
+    // Draws the picture; scale takes device pixels to the painter's.
+    void paintContent(QPainter &painter, double scale);
+    void updateShape(const QRegion &area);
 
     QVPlatform &m_platform;
     QVRect m_frame;
     bool m_flipContent;
-    // Without a compositor: the picture as shown, opaque, drawn when the shape is made.
-    QImage m_shapedPicture;
+    QRegion m_area; // what the picture on screen may cover, device pixels
+    bool m_shaped = false;
+    QVShapedPicture m_shapedPicture;
 };

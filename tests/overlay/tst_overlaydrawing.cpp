@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QPainter>
+#include <QRegion>
 #include <QTest>
 
 #include <cmath>
@@ -131,6 +132,14 @@ private Q_SLOTS:
         QCOMPARE(qAlpha(picture.pixel(1259, 10)), qAlpha(halo));
         QCOMPARE(qAlpha(picture.pixel(300, 300)), 0);
         QCOMPARE(panel.focusPoint(), (QVPoint{1260, 787}));
+        // Only the area the panel announces is repainted after a step: nothing lies outside it.
+        QRegion area;
+        for (const QVRect &rect : panel.drawingAreaInBounds({0, 0, 1440, 900}))
+            area += QRectF(rect.x, 900.0 - rect.maxY(), rect.width, rect.height).toAlignedRect();
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                if (qAlpha(picture.pixel(x, y)) && !area.contains(QPoint(x, y)))
+                    QFAIL(qPrintable(QStringLiteral("(%1, %2) drawn outside the area").arg(x).arg(y)));
 
         // Undoing a step takes the picture and the point back a level.
         panel.removeLastStep();
