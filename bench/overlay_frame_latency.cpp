@@ -39,6 +39,7 @@ struct Options {
     xcb_keycode_t hotKey = 39;  // s, with Control and Alt
     xcb_keycode_t stepKey = 46; // l: the right half
     int timeoutMs = 2000;
+    int pauseMs = 50; // after each sample; beyond Corvane's release delay every opening is a first one
     const char *label = "";
 };
 
@@ -57,6 +58,8 @@ bool parseOptions(int argc, char **argv, Options &options)
             options.hotKey = xcb_keycode_t(std::atoi(value));
         else if (argument == "--timeout-ms")
             options.timeoutMs = std::max(1, std::atoi(value));
+        else if (argument == "--pause-ms")
+            options.pauseMs = std::max(0, std::atoi(value));
         else if (argument == "--label")
             options.label = value;
         else
@@ -184,7 +187,7 @@ private:
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
         // The fade-out leaves timers behind for a moment; start each sample from quiet.
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        std::this_thread::sleep_for(std::chrono::milliseconds(m_options.pauseMs));
     }
 
     bool waitForChange(xcb_point_t point, uint32_t before)
@@ -258,7 +261,7 @@ int main(int argc, char **argv)
     Options options;
     if (!parseOptions(argc, argv, options)) {
         std::fprintf(stderr, "usage: overlay_frame_latency [--samples N] [--warmup N] [--hot-key KEYCODE] "
-                             "[--timeout-ms MS] [--label TEXT]\n");
+                             "[--timeout-ms MS] [--pause-ms MS] [--label TEXT]\n");
         return 2;
     }
     OverlayBench bench(options);

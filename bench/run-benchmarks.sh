@@ -7,6 +7,8 @@
 #   BUILD_DIR      build tree (default: <repository>/build); built with CMake + Ninja when needed
 #   IDLE_SECONDS   length of the idle measurement (default 60)
 #   SAMPLES        hot key samples of each kind (default 300)
+#   OVERLAY_SAMPLES  screen-section overlay openings (default 100), without and with xcompmgr
+#   OVERLAY_COLD_SAMPLES  openings after the overlay let go of its window (default 5, 6 s each)
 #   MODIFIERS      hold (press Control and Alt once) or each (press them with every sample); default hold
 #   KEEP_TEMP=1    keep the temporary directory (settings, logs)
 #
@@ -19,10 +21,13 @@ source_dir=$(cd "$here/.." && pwd)
 build_dir=${BUILD_DIR:-$source_dir/build}
 idle_seconds=${IDLE_SECONDS:-60}
 samples=${SAMPLES:-300}
+overlay_samples=${OVERLAY_SAMPLES:-100}
+overlay_cold_samples=${OVERLAY_COLD_SAMPLES:-5}
 modifiers=${MODIFIERS:-hold}
 
 xvfb_pid=
 corvane_pid=
+compositor_pid=
 work_dir=$(mktemp -d "${TMPDIR:-/tmp}/corvane-bench.XXXXXX")
 
 cleanup() {
@@ -32,6 +37,10 @@ cleanup() {
         for _ in $(seq 50); do kill -0 "$corvane_pid" 2>/dev/null || break; sleep 0.1; done
         kill -KILL "$corvane_pid" 2>/dev/null || true
         wait "$corvane_pid" 2>/dev/null || true
+    fi
+    if [[ -n $compositor_pid ]] && kill -0 "$compositor_pid" 2>/dev/null; then
+        kill -TERM "$compositor_pid" 2>/dev/null || true
+        wait "$compositor_pid" 2>/dev/null || true
     fi
     if [[ -n $xvfb_pid ]] && kill -0 "$xvfb_pid" 2>/dev/null; then
         kill -TERM "$xvfb_pid" 2>/dev/null || true
@@ -52,9 +61,10 @@ trap 'exit 143' TERM
 if [[ ! -f $build_dir/build.ninja ]]; then
     cmake -S "$source_dir" -B "$build_dir" -G Ninja -DBUILD_TESTING=ON >/dev/null
 fi
-ninja -C "$build_dir" corvane hotkey_latency >/dev/null
+ninja -C "$build_dir" corvane hotkey_latency overlay_frame_latency >/dev/null
 corvane=$build_dir/app/corvane
 bench=$build_dir/bench/hotkey_latency
+overlay_bench=$build_dir/bench/overlay_frame_latency
 
 # --- X server ----------------------------------------------------------------------------------
 display_number=
@@ -103,7 +113,7 @@ settings=$work_dir/config/settings.json
         control "B$((i + 8))" 31 "${directions[$i]}" 20 $((10 + i)) $ca "^⌥$((i + 1))"; printf ',\n'
     done
     control B17 21 1 0 54 $ca '^⌥C'; printf ',\n'        # move to centre
-    control B18 33 4 0 26 $ca '^⌥E'; printf ',\n'        # move to the top right corner
+    control B18 51 1 0 39 $ca '^⌥S'; printf ',\n'        # the screen-section overlay
     control B19 101 1 0 36 $ca '^⌥↩'; printf '\n'        # click
     printf ']}\n'
 } >"$settings"
@@ -191,6 +201,33 @@ runs_per_minute=$(per_minute "$runs")
 
 busy_threads=$(thread_delta "$idle_before" "$idle_after")
 
+# --- screen-section overlay (after the idle phase, which it would disturb) --------------------
+overlay_run() { # label [options]
+    local label=$1
+    shift
+    "$overlay_bench" --label "($label) " "$@" | tee -a "$work_dir/overlay.txt" || true
+    echo
+}
+: >"$work_dir/overlay.txt"
+overlay_run "no compositing manager: shaped window" --samples "$overlay_samples"
+overlay_rss_kb=$(status_kb VmRSS)
+# Corvane lets go of the overlay's window 5 s after it closed; these openings start from nothing.
+overlay_run "no compositing manager, first opening after 6 s" --samples "$overlay_cold_samples" --warmup 0 \
+    --pause-ms 6000
+released_rss_kb=$(status_kb VmRSS)
+if command -v xcompmgr >/dev/null; then
+    (exec xcompmgr >"$work_dir/xcompmgr.log" 2>&1) &
+    compositor_pid=$!
+    sleep 1 # it takes the _NET_WM_CM selection and redirects the windows
+    overlay_run "xcompmgr: translucent window" --samples "$overlay_samples"
+    kill -TERM "$compositor_pid"
+    wait "$compositor_pid" 2>/dev/null || true
+    compositor_pid=
+fi
+overlay_field() { # row field
+    sed -n "$1p" <(grep '^RESULT ' "$work_dir/overlay.txt") | sed -n "s/.* $2=\([^ ]*\).*/\1/p"
+}
+
 # --- summary -----------------------------------------------------------------------------------
 verdict() { if awk "BEGIN {exit !($1)}"; then echo met; else echo "NOT met"; fi; }
 floor_p50=$(field floor_p50_us)
@@ -221,6 +258,23 @@ printf '%-40s %-22s %-24s %s\n' "idle scheduler runs (schedstat)" "${runs_per_mi
     "$(verdict "$runs == 0")"
 printf '%-40s %-22s %-24s %s\n' "resident memory VmRSS" "${rss_mb} MB" "< 30 MB" "$(verdict "$rss_kb < 30720")"
 printf '%-40s %-22s %-24s %s\n' "peak resident memory VmHWM" "${hwm_mb} MB" "< 30 MB" "$(verdict "$hwm_kb < 30720")"
+overlay_names=("overlay, no compositor" "overlay, first after 6 s" "overlay, xcompmgr")
+for row in 1 2 3; do
+    shown_p50=$(overlay_field $row shown_p50_ms)
+    [[ -n $shown_p50 ]] || continue
+    name=${overlay_names[$((row - 1))]}
+    shown_p99=$(overlay_field $row shown_p99_ms)
+    step_p50=$(overlay_field $row step_p50_ms)
+    step_p99=$(overlay_field $row step_p99_ms)
+    printf '%-40s %-22s %-24s %s\n' "$name: hot key -> shown" "p50 $shown_p50, p99 $shown_p99 ms" "<= 30 ms" \
+        "$(verdict "$shown_p99 <= 30")"
+    printf '%-40s %-22s %-24s %s\n' "$name: step -> redrawn" "p50 $step_p50, p99 $step_p99 ms" "<= 16 ms" \
+        "$(verdict "$step_p99 <= 16")"
+done
+printf '%-40s %-22s %-24s %s\n' "VmRSS just after the overlay closed" "$(awk -v k="$overlay_rss_kb" 'BEGIN {printf "%.1f", k / 1024}') MB" \
+    "-" "-"
+printf '%-40s %-22s %-24s %s\n' "VmRSS 6 s after the overlay closed" "$(awk -v k="$released_rss_kb" 'BEGIN {printf "%.1f", k / 1024}') MB" \
+    "< 30 MB" "$(verdict "$released_rss_kb < 30720")"
 echo "idle phase: $idle_seconds s, threads $threads_before -> $threads_after, context switches $wakeups, schedstat runs $runs"
 [[ -n $busy_threads ]] && echo "threads that woke up while idle:$busy_threads"
 

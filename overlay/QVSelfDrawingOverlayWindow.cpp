@@ -12,6 +12,12 @@
 
 #include <cmath>
 
+#include <malloc.h>
+
+namespace {
+constexpr int releaseDelayMilliseconds = 5000;
+}
+
 QVSelfDrawingOverlayWindow::QVSelfDrawingOverlayWindow(QVPlatform &platform, const QVRect &frame, bool flipContent)
     : QVAlphaValueAnimationWindow(nullptr, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
                                                | Qt::X11BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus
@@ -22,6 +28,10 @@ QVSelfDrawingOverlayWindow::QVSelfDrawingOverlayWindow(QVPlatform &platform, con
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setIgnoresMouseEvents(true);
+    // Opened again soon, an overlay keeps its native window; left alone, it lets go.
+    m_releaseTimer.setSingleShot(true);
+    m_releaseTimer.setInterval(releaseDelayMilliseconds);
+    connect(&m_releaseTimer, &QTimer::timeout, this, &QVSelfDrawingOverlayWindow::releaseWhileHidden);
     setFrame(frame);
 }
 
@@ -158,6 +168,7 @@ void QVSelfDrawingOverlayWindow::paintEvent(QPaintEvent *event)
 
 void QVSelfDrawingOverlayWindow::showEvent(QShowEvent *event)
 {
+    m_releaseTimer.stop();
     QVAlphaValueAnimationWindow::showEvent(event);
     m_area = deviceArea();
     updateShape(m_area);
@@ -166,7 +177,19 @@ void QVSelfDrawingOverlayWindow::showEvent(QShowEvent *event)
 void QVSelfDrawingOverlayWindow::hideEvent(QHideEvent *event)
 {
     QVAlphaValueAnimationWindow::hideEvent(event);
-    m_shapedPicture.clear(); // a whole display's worth of pixels
+    m_releaseTimer.start();
+}
+
+void QVSelfDrawingOverlayWindow::releaseWhileHidden()
+{
+    if (isVisible())
+        return;
+    // An overlay holds a display's worth of pixels twice over (its picture and
+    // Qt's backing store, shared with the X server); an idle Corvane keeps neither.
+    // Showing it again makes a new native window, which takes a few milliseconds.
+    m_shapedPicture.clear();
+    destroy();
+    malloc_trim(0);
 }
 
 void QVSelfDrawingOverlayWindow::updateShape(const QRegion &area)

@@ -6,6 +6,7 @@
 
 #include <QList>
 #include <QRegion>
+#include <QTimer>
 
 class QPainter;
 class QScreen;
@@ -58,6 +59,7 @@ private:
     // Draws the picture; scale takes device pixels to the painter's.
     void paintContent(QPainter &painter, double scale);
     void updateShape(const QRegion &area);
+    void releaseWhileHidden();
 
     QVPlatform &m_platform;
     QVRect m_frame;
@@ -65,4 +67,5 @@ private:
     QRegion m_area; // what the picture on screen may cover, device pixels
     bool m_shaped = false;
     QVShapedPicture m_shapedPicture;
+    QTimer m_releaseTimer;
 };

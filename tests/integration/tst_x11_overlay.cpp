@@ -84,6 +84,7 @@ private Q_SLOTS:
     void pictureOverTheDesktop_data();
     void pictureOverTheDesktop();
     void exactPixelsAtScaleFactorTwo();
+    void clicksGoThroughAfterReopening();
 
 private:
     std::unique_ptr<QVTestXServer> m_server;
@@ -276,6 +277,34 @@ void TestX11Overlay::exactPixelsAtScaleFactorTwo()
     QTRY_COMPARE_WITH_TIMEOUT(m_client->pointer(), QPoint(3920, 250), 5000);
     QTRY_VERIFY_WITH_TIMEOUT(!m_client->hasViewableWindowAt(monitor), 5000);
     QCOMPARE(scaled.stop(SIGTERM), 0);
+}
+
+void TestX11Overlay::clicksGoThroughAfterReopening()
+{
+    // Closed for longer than a few seconds, the overlay gives up its native window
+    // and makes a new one when it opens again: that one too is shaped, lets clicks
+    // through to the window beneath, and closes on them.
+    const QRect monitor = layout[0].rootRect;
+    m_client->openRecordingWindow(monitor.adjusted(100, 100, -100, -100));
+    m_client->movePointer({1500, 500});
+    m_client->tap(keyS, {QVTestKey::ControlL, QVTestKey::AltL});
+    QTRY_VERIFY_WITH_TIMEOUT(m_client->hasViewableWindowAt(monitor), 5000);
+    const xcb_window_t first = m_client->viewableWindowAt(monitor);
+    m_client->tap(escapeKey);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_client->hasViewableWindowAt(monitor), 5000);
+    QTest::qWait(6000);
+    m_client->tap(keyS, {QVTestKey::ControlL, QVTestKey::AltL});
+    QTRY_VERIFY_WITH_TIMEOUT(m_client->hasViewableWindowAt(monitor), 5000);
+    const xcb_window_t second = m_client->viewableWindowAt(monitor);
+    QVERIFY(second != first);
+    QVERIFY(m_client->isShaped(second));
+    m_client->click(1);
+    const std::optional<QVTestXClient::ButtonEvent> press = m_client->nextButtonEvent(5000);
+    QVERIFY(press && press->press && press->button == 1);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_client->hasViewableWindowAt(monitor), 5000);
+    QCOMPARE(m_client->pointer(), QPoint(1500, 500));
+    QVERIFY(m_client->grabKeyboard());
+    m_client->ungrabKeyboard();
 }
 
 QTEST_GUILESS_MAIN(TestX11Overlay)
