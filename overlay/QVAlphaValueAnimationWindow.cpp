@@ -1,6 +1,6 @@
 #include "QVAlphaValueAnimationWindow.h"
 
-#include "QVWindowShape.h"
+#include "QVNativeWindowSystem.h"
 
 #include <QCursor>
 #include <QGuiApplication>

@@ -3,7 +3,7 @@
 #include "QVBezel.h"
 #include "QVPlatform.h"
 #include "QVScreenGeometry.h"
-#include "QVWindowShape.h"
+#include "QVNativeWindowSystem.h"
 
 #include <QGuiApplication>
 #include <QPaintEvent>
@@ -170,6 +170,12 @@ void QVSelfDrawingOverlayWindow::showEvent(QShowEvent *event)
 {
     m_releaseTimer.stop();
     QVAlphaValueAnimationWindow::showEvent(event);
+    // Asked once a showing: a compositing manager rarely comes or goes meanwhile.
+    m_shaped = !m_platform.isCompositingManagerRunning();
+    if (!m_shaped) {
+        m_shapedPicture.clear();
+        QVSetWindowShape(*this, nullptr);
+    }
     m_area = deviceArea();
     updateShape(m_area);
 }
@@ -194,12 +200,8 @@ void QVSelfDrawingOverlayWindow::releaseWhileHidden()
 
 void QVSelfDrawingOverlayWindow::updateShape(const QRegion &area)
 {
-    m_shaped = !m_platform.isCompositingManagerRunning();
-    if (!m_shaped) {
-        m_shapedPicture.clear();
-        QVSetWindowShape(*this, nullptr);
+    if (!m_shaped)
         return;
-    }
     // No compositor: the window shows only the pixels it draws.
     const QRegion drawn = m_shapedPicture.redraw(size() * devicePixelRatioF(), area,
                                                  [this](QPainter &painter) { paintContent(painter, 1.0); });

@@ -1,4 +1,4 @@
-#include "QVWindowShape.h"
+#include "QVNativeWindowSystem.h"
 
 #include <QGuiApplication>
 #include <QRegion>

@@ -1,5 +1,7 @@
 #pragma once
 
+// The X server behind Qt's own windows, reached through Qt's connection to it.
+
 class QRegion;
 class QWidget;
 
