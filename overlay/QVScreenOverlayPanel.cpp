@@ -27,10 +27,11 @@ QVScreenOverlayPanel::QVScreenOverlayPanel(QVPlatform &platform, const QVRect &f
 
 void QVScreenOverlayPanel::setActive(bool active)
 {
-    if (active)
-        redisplay();
-    if (active == m_active)
+    if (active == m_active) {
+        if (active)
+            redisplay();
         return;
+    }
     if (active) {
         // The keyboard first: once the overlay is on screen, the next key is its own.
         if (!platform().takeKeyboard()) {

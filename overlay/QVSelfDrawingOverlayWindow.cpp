@@ -73,12 +73,11 @@ QRect QVSelfDrawingOverlayWindow::logicalGeometry(const QRect &native, QScreen *
 
 void QVSelfDrawingOverlayWindow::redisplay()
 {
-    const QRegion area = deviceArea();
     if (!isVisible()) {
-        m_area = area;
-        update();
+        update(); // the area and the shape are made when it shows
         return;
     }
+    const QRegion area = deviceArea();
     updateShape(area);
     update(logicalRegion(m_area + area));
     m_area = area;
