@@ -39,6 +39,12 @@ bool isClose(QRgb a, QRgb b, int tolerance = 2)
            && std::abs(qBlue(a) - qBlue(b)) <= tolerance;
 }
 
+// The current section's colour, for the colour of the other levels' lines.
+QRgb currentSectionColor(QRgb levelColor)
+{
+    return QColor(levelColor).darker(160).rgb();
+}
+
 QString describe(QRgb color)
 {
     return QColor(color).name();
@@ -59,7 +65,7 @@ void keepScreenshot(const QImage &image, const QString &name)
 void verifyCurrentLine(const QImage &shot, int x, int y, QRgb levelColor)
 {
     const QRgb current = shot.pixel(x, y);
-    QVERIFY2(isClose(current, QColor(levelColor).darker(160).rgb()),
+    QVERIFY2(isClose(current, currentSectionColor(levelColor)),
              qPrintable(QStringLiteral("line %1, other levels %2").arg(describe(current), describe(levelColor))));
     for (const int side : {x - 1, x + 1}) {
         const QRgb halo = shot.pixel(side, y);
@@ -221,7 +227,7 @@ void TestX11Overlay::pictureOverTheDesktop()
     const auto fullyShown = [&] {
         shot = m_client->screenshot(monitor);
         keepScreenshot(shot, QStringLiteral("overlay-%1").arg(compositor.isEmpty() ? QStringLiteral("shaped") : compositor));
-        return isClose(shot.pixel(x, 100), QColor(shot.pixel(x, 800)).darker(160).rgb(), 0)
+        return isClose(shot.pixel(x, 100), currentSectionColor(shot.pixel(x, 800)), 0)
                && shot.pixel(300, 100) == (desktop | 0xff000000);
     };
     QTRY_VERIFY_WITH_TIMEOUT(fullyShown(), 5000);
@@ -230,7 +236,7 @@ void TestX11Overlay::pictureOverTheDesktop()
     verifyCurrentLine(shot, x, 100, levelColor);
     // The display's horizontal line at its middle row, the top half's at a quarter.
     QCOMPARE(describe(shot.pixel(300, 539)), describe(levelColor));
-    QVERIFY(isClose(shot.pixel(300, 269), QColor(levelColor).darker(160).rgb()));
+    QVERIFY(isClose(shot.pixel(300, 269), currentSectionColor(levelColor)));
     // The desktop around the lines, and on the other monitors. The display's own
     // lines lost their halo when the top half became the current section.
     for (const QPoint desktopPoint : {QPoint(300, 100), QPoint(1700, 800), QPoint(300, 538), QPoint(300, 540),
@@ -259,7 +265,7 @@ void TestX11Overlay::tabCarriesTheStepsToTheNextMonitor()
     QImage shot;
     const auto drawn = [&] {
         shot = m_client->screenshot(monitor);
-        return isClose(shot.pixel(x, 100), QColor(shot.pixel(x, 600)).darker(160).rgb(), 0);
+        return isClose(shot.pixel(x, 100), currentSectionColor(shot.pixel(x, 600)), 0);
     };
     QTRY_VERIFY_WITH_TIMEOUT(drawn(), 5000);
     verifyCurrentLine(shot, x, 100, shot.pixel(x, 600));
