@@ -1,18 +1,26 @@
 #!/usr/bin/env bash
 # Installs the Debian packages Corvane needs that are not there yet.
-#   install-deps.sh          what building and running needs
-#   install-deps.sh --tests  and the X servers and tools the tests use
+#   install-deps.sh          what building and running needs (scripts/check-build-deps.sh,
+#                            run by the test suite, checks that it covers every build input)
+#   install-deps.sh --tests  and the X servers and tools the tests and benchmarks use
+#   install-deps.sh --list   prints the plain list and installs nothing
 set -euo pipefail
 
 packages=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins
     libxcb1-dev libxcb-xtest0-dev libxcb-xkb-dev libxcb-randr0-dev libxcb-xinput-dev
-    libxcb-keysyms1-dev libxkbcommon-dev
+    libxcb-keysyms1-dev libxcb-shape0-dev libxkbcommon-dev x11proto-dev
 )
-if [[ "${1:-}" == "--tests" ]]; then
-    packages+=(xvfb xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils xdotool libxcb-shape0-dev xcompmgr picom)
-fi
+case "${1:-}" in
+--list)
+    printf '%s\n' "${packages[@]}"
+    exit 0
+    ;;
+--tests)
+    packages+=(xvfb xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils xdotool xcompmgr picom keynav)
+    ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do

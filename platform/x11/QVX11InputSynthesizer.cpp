@@ -10,20 +10,23 @@
 #include <algorithm>
 #include <limits>
 
-namespace {
+namespace
+{
 constexpr uint8_t leftButton = 1;
 constexpr uint8_t rightButton = 3;
 
 int16_t clampedCoordinate(int value)
 {
-    return int16_t(std::clamp(value, int(std::numeric_limits<int16_t>::min()),
-                              int(std::numeric_limits<int16_t>::max())));
+    return int16_t(
+        std::clamp(value, int(std::numeric_limits<int16_t>::min()), int(std::numeric_limits<int16_t>::max())));
 }
 } // namespace
 
-QVX11InputSynthesizer::QVX11InputSynthesizer(QVX11Connection &connection, QVX11Displays &displays,
-                                             QVX11Keyboard &keyboard)
-    : m_connection(connection), m_displays(displays), m_keyboard(keyboard)
+QVX11InputSynthesizer::QVX11InputSynthesizer(
+    QVX11Connection &connection, QVX11Displays &displays, QVX11Keyboard &keyboard)
+    : m_connection(connection)
+    , m_displays(displays)
+    , m_keyboard(keyboard)
 {
 }
 
@@ -45,9 +48,18 @@ bool QVX11InputSynthesizer::postMouseMoved(const QVPoint &globalPoint)
     int column = 0;
     int row = 0;
     m_displays.rootPixelFromGlobal(globalPoint, &column, &row);
-    fakeInput(XCB_MOTION_NOTIFY, 0, clampedCoordinate(column), clampedCoordinate(row));
+    m_lastMotionSequence = xcb_test_fake_input(m_connection.get(), XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME,
+        m_connection.root(), clampedCoordinate(column), clampedCoordinate(row), 0)
+                               .sequence;
+    m_displays.setPointerHint(std::nullopt); // the event being handled no longer tells where it is
     m_connection.flush();
     return true;
+}
+
+bool QVX11InputSynthesizer::motionProcessedBefore(uint32_t sequence) const
+{
+    // Sequence numbers wrap: compare by difference.
+    return !m_lastMotionSequence || int32_t(sequence - *m_lastMotionSequence) >= 0;
 }
 
 bool QVX11InputSynthesizer::postMouseButton(bool down, bool right, bool usePrivateSource)

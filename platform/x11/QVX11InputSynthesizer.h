@@ -4,6 +4,8 @@
 
 #include <QSet>
 
+#include <optional>
+
 #include <xcb/xcb.h>
 
 class QVX11Connection;
@@ -25,6 +27,9 @@ public:
     bool postMouseButton(bool down, bool rightButton, bool usePrivateSource);
     // The user let go of a modifier key.
     void modifierReleased(xcb_keycode_t keyCode);
+    // Whether an event the server sent after handling request `sequence` already
+    // saw the effect of every motion posted so far.
+    bool motionProcessedBefore(uint32_t sequence) const;
 
 private:
     void fakeInput(uint8_t type, uint8_t detail, int16_t x = 0, int16_t y = 0);
@@ -35,5 +40,6 @@ private:
     QVX11Displays &m_displays;
     QVX11Keyboard &m_keyboard;
     QSet<xcb_keycode_t> m_releasedModifiers; // during a click
-    QSet<xcb_keycode_t> m_pressedAgain;      // by us, after a click
+    QSet<xcb_keycode_t> m_pressedAgain; // by us, after a click
+    std::optional<uint32_t> m_lastMotionSequence;
 };

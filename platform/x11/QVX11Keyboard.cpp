@@ -13,7 +13,8 @@
 #include <xcb/xkb.h>
 #undef explicit
 
-namespace {
+namespace
+{
 
 constexpr xcb_keysym_t numLockSymbol = 0xff7f;
 
@@ -21,13 +22,13 @@ quint64 sideOfKeySymbol(xcb_keysym_t symbol)
 {
     using namespace QVModifierFlag;
     switch (symbol) {
-    case 0xffe3: return LeftControl;  // Control_L
+    case 0xffe3: return LeftControl; // Control_L
     case 0xffe4: return RightControl; // Control_R
-    case 0xffe1: return LeftShift;    // Shift_L
-    case 0xffe2: return RightShift;   // Shift_R
-    case 0xffe9: return LeftOption;   // Alt_L
-    case 0xffea: return RightOption;  // Alt_R
-    case 0xffeb: return LeftCommand;  // Super_L
+    case 0xffe1: return LeftShift; // Shift_L
+    case 0xffe2: return RightShift; // Shift_R
+    case 0xffe9: return LeftOption; // Alt_L
+    case 0xffea: return RightOption; // Alt_R
+    case 0xffeb: return LeftCommand; // Super_L
     case 0xffec: return RightCommand; // Super_R
     default: return 0;
     }
@@ -48,7 +49,10 @@ quint64 modifierOfSide(quint64 side)
 
 } // namespace
 
-QVX11Keyboard::QVX11Keyboard(QVX11Connection &connection) : m_connection(connection) {}
+QVX11Keyboard::QVX11Keyboard(QVX11Connection &connection)
+    : m_connection(connection)
+{
+}
 
 QVX11Keyboard::~QVX11Keyboard()
 {
@@ -80,14 +84,14 @@ bool QVX11Keyboard::initialize(QString *error)
     m_maxKeyCode = xcb_get_setup(c)->max_keycode;
 
     // Held keys then send presses only, and one release at the end.
-    QVXcbReply<xcb_xkb_per_client_flags_reply_t> flags(xcb_xkb_per_client_flags_reply(
-        c,
+    QVXcbReply<xcb_xkb_per_client_flags_reply_t> flags(xcb_xkb_per_client_flags_reply(c,
         xcb_xkb_per_client_flags(c, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT,
-                                 XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT, 0, 0, 0),
+            XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT, 0, 0, 0),
         nullptr));
     m_detectableAutoRepeat = flags && (flags->value & XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT);
 
-    const uint16_t events = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
+    const uint16_t events
+        = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY | XCB_XKB_EVENT_TYPE_CONTROLS_NOTIFY;
     const uint16_t mapParts = XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
     xcb_xkb_select_events(c, XCB_XKB_ID_USE_CORE_KBD, events, 0, events, mapParts, mapParts, nullptr);
 
@@ -102,9 +106,9 @@ void QVX11Keyboard::selectRawEvents(bool buttons)
     struct {
         xcb_input_event_mask_t head;
         uint32_t mask;
-    } raw{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
-          XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE
-              | (buttons ? XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS : 0u)};
+    } raw { { XCB_INPUT_DEVICE_ALL_MASTER, 1 },
+        XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE
+            | (buttons ? uint32_t(XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS) : 0u) };
     xcb_input_xi_select_events(m_connection.get(), m_connection.root(), 1, &raw.head);
 }
 
@@ -204,13 +208,17 @@ bool QVX11Keyboard::isKnownKeyCode(xcb_keycode_t keyCode) const
 
 QVKeyboardService::RepeatThresholds QVX11Keyboard::repeatThresholds() const
 {
+    if (m_repeatThresholds)
+        return *m_repeatThresholds;
     xcb_connection_t *c = m_connection.get();
     QVXcbReply<xcb_xkb_get_controls_reply_t> controls(
         xcb_xkb_get_controls_reply(c, xcb_xkb_get_controls(c, XCB_XKB_ID_USE_CORE_KBD), nullptr));
     if (!controls)
         return {};
     constexpr double ticksPerMillisecond = 60.0 / 1000.0;
-    return {controls->repeatDelay * ticksPerMillisecond, controls->repeatInterval * ticksPerMillisecond};
+    m_repeatThresholds = QVKeyboardService::RepeatThresholds { controls->repeatDelay * ticksPerMillisecond,
+        controls->repeatInterval * ticksPerMillisecond };
+    return *m_repeatThresholds;
 }
 
 QVX11Keyboard::RawKey QVX11Keyboard::handleRawKeyEvent(const xcb_generic_event_t *event, xcb_keycode_t *keyCode)

@@ -6,9 +6,10 @@
 #include <QSet>
 #include <QString>
 
+#include <optional>
+
 #include <xcb/xcb.h>
 #include <xcb/xcb_keysyms.h>
-
 
 class QVX11Connection;
 
@@ -39,13 +40,16 @@ public:
     QString charactersIgnoringModifiers(xcb_keycode_t keyCode) const;
     bool isKnownKeyCode(xcb_keycode_t keyCode) const;
 
+    // Read once, then kept until the controls change (XKB ControlsNotify) or
+    // another keyboard, with controls of its own, stands behind the core one.
     QVKeyboardService::RepeatThresholds repeatThresholds() const;
+    void forgetRepeatThresholds() { m_repeatThresholds.reset(); }
 
     enum class RawKey {
-        NotRaw,           // some other event
-        Other,            // a raw key event of no interest
+        NotRaw, // some other event
+        Other, // a raw key event of no interest
         ModifierReleased, // the user let go of a modifier key
-        ButtonPressed,    // a mouse button went down anywhere (only while watched)
+        ButtonPressed, // a mouse button went down anywhere (only while watched)
     };
     // Follows XInput 2 raw key events to know which modifier keys are held.
     RawKey handleRawKeyEvent(const xcb_generic_event_t *event, xcb_keycode_t *keyCode);
@@ -75,4 +79,5 @@ private:
     QHash<xcb_keycode_t, quint64> m_modifierSides; // key code -> side flag
     QSet<xcb_keycode_t> m_heldModifiers;
     QHash<xcb_keycode_t, int> m_expectedReleaseEchoes;
+    mutable std::optional<QVKeyboardService::RepeatThresholds> m_repeatThresholds;
 };

@@ -8,13 +8,15 @@
 #include "QVX11Keyboard.h"
 #include "QVXcbReply.h"
 
+#include <QScopeGuard>
 #include <QThread>
 
 #define explicit xcb_explicit
 #include <xcb/xkb.h>
 #undef explicit
 
-namespace {
+namespace
+{
 constexpr int keyboardGrabAttempts = 20;
 constexpr int keyboardGrabRetryMilliseconds = 5;
 } // namespace
@@ -31,11 +33,11 @@ std::unique_ptr<QVX11Platform> QVX11Platform::open(const QByteArray &displayName
 }
 
 QVX11Platform::QVX11Platform(std::unique_ptr<QVX11Connection> connection)
-    : m_connection(std::move(connection)),
-      m_keyboard(std::make_unique<QVX11Keyboard>(*m_connection)),
-      m_displays(std::make_unique<QVX11Displays>(*m_connection)),
-      m_grabs(std::make_unique<QVX11HotKeyGrabs>(*m_connection, *m_keyboard, *m_displays)),
-      m_synthesizer(std::make_unique<QVX11InputSynthesizer>(*m_connection, *m_displays, *m_keyboard))
+    : m_connection(std::move(connection))
+    , m_keyboard(std::make_unique<QVX11Keyboard>(*m_connection))
+    , m_displays(std::make_unique<QVX11Displays>(*m_connection))
+    , m_grabs(std::make_unique<QVX11HotKeyGrabs>(*m_connection, *m_keyboard, *m_displays))
+    , m_synthesizer(std::make_unique<QVX11InputSynthesizer>(*m_connection, *m_displays, *m_keyboard))
 {
 }
 
@@ -64,27 +66,27 @@ bool QVX11Platform::initialize(QString *error)
 
 QVDisplayList QVX11Platform::displays() const
 {
-    return m_displays->refresh();
+    return m_displays->current();
 }
 
 QVPoint QVX11Platform::mouseLocation() const
 {
     QVPoint location;
-    m_displays->refresh(&location);
+    m_displays->current(&location);
     return location;
 }
 
 QVDisplayService::Snapshot QVX11Platform::displaysAndMouseLocation() const
 {
     Snapshot snapshot;
-    snapshot.displays = m_displays->refresh(&snapshot.mouseLocation);
+    snapshot.displays = m_displays->current(&snapshot.mouseLocation);
     return snapshot;
 }
 
 QVPoint QVX11Platform::windowSystemPointFromGlobal(const QVPoint &global) const
 {
     const QVPoint origin = m_displays->primaryOrigin();
-    return {global.x + origin.x, global.y + origin.y};
+    return { global.x + origin.x, global.y + origin.y };
 }
 
 bool QVX11Platform::postMouseMoved(const QVPoint &globalPoint)
@@ -97,8 +99,8 @@ bool QVX11Platform::postMouseButton(bool down, bool rightButton, bool usePrivate
     return m_synthesizer->postMouseButton(down, rightButton, usePrivateSource);
 }
 
-std::optional<QVHotKeyService::Handle> QVX11Platform::registerHotKey(const QVHotKeyRegistration &registration,
-                                                                     QString *reason)
+std::optional<QVHotKeyService::Handle> QVX11Platform::registerHotKey(
+    const QVHotKeyRegistration &registration, QString *reason)
 {
     return m_grabs->registerHotKey(registration, reason);
 }
@@ -118,10 +120,8 @@ bool QVX11Platform::takeKeyboard()
     xcb_connection_t *c = m_connection->get();
     // Another program may still hold the keyboard until its key is released.
     for (int attempt = 0; attempt < keyboardGrabAttempts; ++attempt) {
-        QVXcbReply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
-            c,
-            xcb_grab_keyboard(c, 0, m_connection->root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
-                              XCB_GRAB_MODE_ASYNC),
+        QVXcbReply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(c,
+            xcb_grab_keyboard(c, 0, m_connection->root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
             nullptr));
         if (reply && reply->status == XCB_GRAB_STATUS_SUCCESS) {
             m_keyboardTaken = true;
@@ -172,16 +172,12 @@ void QVX11Platform::beep()
 void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
 {
     const uint8_t type = event->response_type & 0x7f;
+    if (m_displays->handleEvent(event))
+        return;
     switch (type) {
-    case XCB_KEY_PRESS:
-        handleKey(event, true);
-        return;
-    case XCB_KEY_RELEASE:
-        handleKey(event, false);
-        return;
-    case XCB_MAPPING_NOTIFY:
-        m_mappingChanged = true;
-        return;
+    case XCB_KEY_PRESS: handleKey(event, true); return;
+    case XCB_KEY_RELEASE: handleKey(event, false); return;
+    case XCB_MAPPING_NOTIFY: m_mappingChanged = true; return;
     case 0: {
         const auto *error = reinterpret_cast<const xcb_generic_error_t *>(event);
         QVDebugLog(QStringLiteral("X error %1 for request %2.%3")
@@ -190,14 +186,11 @@ void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
                        .arg(error->minor_code));
         return;
     }
-    default:
-        break;
+    default: break;
     }
     xcb_keycode_t keyCode = 0;
     switch (m_keyboard->handleRawKeyEvent(event, &keyCode)) {
-    case QVX11Keyboard::RawKey::ModifierReleased:
-        m_synthesizer->modifierReleased(keyCode);
-        return;
+    case QVX11Keyboard::RawKey::ModifierReleased: m_synthesizer->modifierReleased(keyCode); return;
     case QVX11Keyboard::RawKey::ButtonPressed:
         if (m_keyboardTaken && m_handler) {
             // A click elsewhere: whoever has the keyboard should let it go.
@@ -206,13 +199,13 @@ void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
             m_handler(click);
         }
         return;
-    case QVX11Keyboard::RawKey::Other:
-        return;
-    case QVX11Keyboard::RawKey::NotRaw:
-        break;
+    case QVX11Keyboard::RawKey::Other: return;
+    case QVX11Keyboard::RawKey::NotRaw: break;
     }
     if (type == m_keyboard->xkbFirstEvent()) {
         const uint8_t xkbType = reinterpret_cast<const uint8_t *>(event)[1];
+        if (xkbType == XCB_XKB_CONTROLS_NOTIFY || xkbType == XCB_XKB_NEW_KEYBOARD_NOTIFY)
+            m_keyboard->forgetRepeatThresholds();
         // A new keyboard that only stands for another device (the XTest one, say) changes nothing.
         if (xkbType == XCB_XKB_MAP_NOTIFY
             || (xkbType == XCB_XKB_NEW_KEYBOARD_NOTIFY
@@ -229,6 +222,11 @@ void QVX11Platform::handleKey(const xcb_generic_event_t *event, bool press)
         if (m_handler)
             m_handler(delivered);
     };
+    // The event tells where the pointer was at the press: unless a motion of ours
+    // was still on its way then, the action needs no pointer query.
+    if (m_synthesizer->motionProcessedBefore(event->full_sequence))
+        m_displays->setPointerHint(QPoint(key->root_x, key->root_y));
+    const auto clearHint = qScopeGuard([this] { m_displays->setPointerHint(std::nullopt); });
     // A hot key's own release always ends its repetition, even while the keyboard is taken.
     if (!press || !m_keyboardTaken) {
         if (m_grabs->handleKeyEvent(key, press, deliver) || !m_keyboardTaken)

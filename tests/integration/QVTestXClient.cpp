@@ -10,13 +10,12 @@
 #include <xcb/shape.h>
 #include <xcb/xtest.h>
 
-namespace {
+namespace
+{
 
-template<typename T>
-using Reply = std::unique_ptr<T, decltype(&std::free)>;
+template<typename T> using Reply = std::unique_ptr<T, decltype(&std::free)>;
 
-template<typename T>
-Reply<T> reply(T *pointer)
+template<typename T> Reply<T> reply(T *pointer)
 {
     return Reply<T>(pointer, &std::free);
 }
@@ -64,9 +63,17 @@ void QVTestXClient::tap(xcb_keycode_t key, const QList<xcb_keycode_t> &modifiers
         keyUp(*it);
 }
 
+void QVTestXClient::tapQuickly(xcb_keycode_t key)
+{
+    xcb_test_fake_input(m_connection, XCB_KEY_PRESS, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    xcb_test_fake_input(m_connection, XCB_KEY_RELEASE, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    xcb_flush(m_connection);
+}
+
 QPoint QVTestXClient::pointer()
 {
-    auto pointer = reply(xcb_query_pointer_reply(m_connection, xcb_query_pointer(m_connection, m_screen->root), nullptr));
+    auto pointer
+        = reply(xcb_query_pointer_reply(m_connection, xcb_query_pointer(m_connection, m_screen->root), nullptr));
     return pointer ? QPoint(pointer->root_x, pointer->root_y) : QPoint(-1, -1);
 }
 
@@ -90,18 +97,18 @@ QList<xcb_keycode_t> QVTestXClient::keysDown()
 
 quint16 QVTestXClient::modifierState()
 {
-    auto pointer = reply(xcb_query_pointer_reply(m_connection, xcb_query_pointer(m_connection, m_screen->root), nullptr));
+    auto pointer
+        = reply(xcb_query_pointer_reply(m_connection, xcb_query_pointer(m_connection, m_screen->root), nullptr));
     return pointer ? pointer->mask : 0;
 }
 
 void QVTestXClient::openRecordingWindow(const QRect &root)
 {
     m_window = xcb_generate_id(m_connection);
-    const uint32_t values[] = {1, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE};
+    const uint32_t values[] = { 1, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE };
     xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_window, m_screen->root, int16_t(root.x()),
-                      int16_t(root.y()), uint16_t(root.width()), uint16_t(root.height()), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, m_screen->root_visual,
-                      XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+        int16_t(root.y()), uint16_t(root.width()), uint16_t(root.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+        m_screen->root_visual, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
     xcb_map_window(m_connection, m_window);
     sync();
 }
@@ -116,7 +123,7 @@ std::optional<QVTestXClient::ButtonEvent> QVTestXClient::nextButtonEvent(int tim
             if (type != XCB_BUTTON_PRESS && type != XCB_BUTTON_RELEASE)
                 continue;
             const auto *button = reinterpret_cast<const xcb_button_press_event_t *>(event);
-            return ButtonEvent{type == XCB_BUTTON_PRESS, button->detail, button->state};
+            return ButtonEvent { type == XCB_BUTTON_PRESS, button->detail, button->state };
         }
         QThread::msleep(5);
     } while (!deadline.hasExpired());
@@ -125,9 +132,9 @@ std::optional<QVTestXClient::ButtonEvent> QVTestXClient::nextButtonEvent(int tim
 
 bool QVTestXClient::grabKey(xcb_keycode_t key, quint16 modifiers)
 {
-    auto error = reply(xcb_request_check(
-        m_connection, xcb_grab_key_checked(m_connection, 1, m_screen->root, modifiers, key, XCB_GRAB_MODE_ASYNC,
-                                           XCB_GRAB_MODE_ASYNC)));
+    auto error = reply(xcb_request_check(m_connection,
+        xcb_grab_key_checked(
+            m_connection, 1, m_screen->root, modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
     return !error;
 }
 
@@ -154,8 +161,7 @@ xcb_window_t QVTestXClient::inputFocus()
 
 bool QVTestXClient::grabKeyboard()
 {
-    auto grab = reply(xcb_grab_keyboard_reply(
-        m_connection,
+    auto grab = reply(xcb_grab_keyboard_reply(m_connection,
         xcb_grab_keyboard(m_connection, 0, m_screen->root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
         nullptr));
     return grab && grab->status == XCB_GRAB_STATUS_SUCCESS;
@@ -176,7 +182,8 @@ xcb_window_t QVTestXClient::viewableWindowAt(const QRect &root)
     for (int index = 0; index < xcb_query_tree_children_length(tree.get()); ++index) {
         auto attributes = reply(xcb_get_window_attributes_reply(
             m_connection, xcb_get_window_attributes(m_connection, children[index]), nullptr));
-        auto geometry = reply(xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, children[index]), nullptr));
+        auto geometry
+            = reply(xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, children[index]), nullptr));
         if (attributes && geometry && attributes->map_state == XCB_MAP_STATE_VIEWABLE
             && QRect(geometry->x, geometry->y, geometry->width, geometry->height) == root)
             return children[index];
@@ -186,7 +193,8 @@ xcb_window_t QVTestXClient::viewableWindowAt(const QRect &root)
 
 bool QVTestXClient::isShaped(xcb_window_t window)
 {
-    auto extents = reply(xcb_shape_query_extents_reply(m_connection, xcb_shape_query_extents(m_connection, window), nullptr));
+    auto extents
+        = reply(xcb_shape_query_extents_reply(m_connection, xcb_shape_query_extents(m_connection, window), nullptr));
     return extents && extents->bounding_shaped;
 }
 
@@ -203,10 +211,10 @@ void QVTestXClient::paintDesktop(QRgb color)
     const uint32_t pixel = color & 0xffffff;
     if (m_desktop == XCB_NONE) {
         m_desktop = xcb_generate_id(m_connection);
-        const uint32_t values[] = {pixel, 1};
+        const uint32_t values[] = { pixel, 1 };
         xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_desktop, m_screen->root, 0, 0,
-                          m_screen->width_in_pixels, m_screen->height_in_pixels, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                          m_screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+            m_screen->width_in_pixels, m_screen->height_in_pixels, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+            m_screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
         xcb_map_window(m_connection, m_desktop);
     } else {
         xcb_change_window_attributes(m_connection, m_desktop, XCB_CW_BACK_PIXEL, &pixel);
@@ -222,22 +230,21 @@ bool QVTestXClient::compositingManagerRunning()
         m_connection, xcb_intern_atom(m_connection, 0, uint16_t(name.size()), name.constData()), nullptr));
     if (!atom)
         return false;
-    auto owner = reply(xcb_get_selection_owner_reply(m_connection, xcb_get_selection_owner(m_connection, atom->atom),
-                                                     nullptr));
+    auto owner = reply(
+        xcb_get_selection_owner_reply(m_connection, xcb_get_selection_owner(m_connection, atom->atom), nullptr));
     return owner && owner->owner != XCB_NONE;
 }
 
 QImage QVTestXClient::screenshot(const QRect &root)
 {
-    auto image = reply(xcb_get_image_reply(
-        m_connection,
+    auto image = reply(xcb_get_image_reply(m_connection,
         xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, int16_t(root.x()), int16_t(root.y()),
-                      uint16_t(root.width()), uint16_t(root.height()), ~0u),
+            uint16_t(root.width()), uint16_t(root.height()), ~0u),
         nullptr));
     if (!image || image->depth != 24)
         return {};
     // 32 bits per pixel, BGRX in memory: Qt's RGB32 on a little-endian machine.
-    const QImage view(xcb_get_image_data(image.get()), root.width(), root.height(), root.width() * 4,
-                      QImage::Format_RGB32);
+    const QImage view(
+        xcb_get_image_data(image.get()), root.width(), root.height(), root.width() * 4, QImage::Format_RGB32);
     return view.copy();
 }

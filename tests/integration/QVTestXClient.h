@@ -11,7 +11,8 @@
 #include <xcb/xcb.h>
 
 // Evdev key codes the tests press.
-namespace QVTestKey {
+namespace QVTestKey
+{
 constexpr xcb_keycode_t ControlL = 37;
 constexpr xcb_keycode_t ControlR = 105;
 constexpr xcb_keycode_t AltL = 64;
@@ -46,6 +47,8 @@ public:
     void keyUp(xcb_keycode_t key);
     // Presses the modifiers, taps the key, releases the modifiers.
     void tap(xcb_keycode_t key, const QList<xcb_keycode_t> &modifiers = {});
+    // Presses and releases the key without waiting for the server in between.
+    void tapQuickly(xcb_keycode_t key);
 
     QPoint pointer();
     void movePointer(const QPoint &root);

@@ -9,7 +9,8 @@
 
 #include <csignal>
 
-namespace {
+namespace
+{
 
 constexpr quint64 controlOption = 0xC0000;
 
@@ -17,9 +18,8 @@ const QList<QVTestXServer::Monitor> layout = QVTestXServer::threeMonitors();
 
 QJsonObject move(qint64 direction, bool confined = false)
 {
-    return {{QStringLiteral("Move Direction"), direction},
-            {QStringLiteral("Move Delta"), 10},
-            {QStringLiteral("Confine to Display"), confined}};
+    return { { QStringLiteral("Move Direction"), direction }, { QStringLiteral("Move Delta"), 10 },
+        { QStringLiteral("Confine to Display"), confined } };
 }
 
 } // namespace
@@ -35,6 +35,7 @@ private Q_SLOTS:
     void pointerActions();
     void clicksCarryNoHeldModifiers_data();
     void clicksCarryNoHeldModifiers();
+    void quickPressesEachMoveFromWhereTheLastLeft();
     void monitorChangeWhileRunning();
 
 private:
@@ -52,30 +53,30 @@ void TestX11Actions::initTestCase()
     QVERIFY(m_client->isConnected());
 
     using C = QVCorvaneProcess;
-    const QJsonArray controls{
-        C::control(21, 54, controlOption),                    // c: centre
-        C::control(31, 10, controlOption, move(5)),           // 1: right
-        C::control(31, 11, controlOption, move(10)),          // 2: up and left
-        C::control(31, 12, controlOption, move(7)),           // 3: down
-        C::control(31, 13, controlOption, move(3)),           // 4: up
-        C::control(31, 14, controlOption, move(9)),           // 5: left
-        C::control(31, 15, controlOption, move(5, true)),     // 6: right, confined
-        C::control(33, 24, controlOption, {{QStringLiteral("Move to Edge/Corner Direction"), 4}}), // q
-        C::control(33, 25, controlOption, {{QStringLiteral("Move to Edge/Corner Direction"), 7}}), // w
-        C::control(33, 26, controlOption, {{QStringLiteral("Move to Edge/Corner Direction"), 9}}), // e
+    const QJsonArray controls {
+        C::control(21, 54, controlOption), // c: centre
+        C::control(31, 10, controlOption, move(5)), // 1: right
+        C::control(31, 11, controlOption, move(10)), // 2: up and left
+        C::control(31, 12, controlOption, move(7)), // 3: down
+        C::control(31, 13, controlOption, move(3)), // 4: up
+        C::control(31, 14, controlOption, move(9)), // 5: left
+        C::control(31, 15, controlOption, move(5, true)), // 6: right, confined
+        C::control(33, 24, controlOption, { { QStringLiteral("Move to Edge/Corner Direction"), 4 } }), // q
+        C::control(33, 25, controlOption, { { QStringLiteral("Move to Edge/Corner Direction"), 7 } }), // w
+        C::control(33, 26, controlOption, { { QStringLiteral("Move to Edge/Corner Direction"), 9 } }), // e
         C::control(41, 27, controlOption,
-                   {{QStringLiteral("Move to Other Display Direction"), 5},
-                    {QStringLiteral("Reposition Proportionally"), true}}), // r
-        C::control(41, 28, controlOption, {{QStringLiteral("Move to Other Display Direction"), 9}}), // t
-        C::control(41, 29, controlOption, {{QStringLiteral("Move to Other Display Direction"), 3}}), // y
+            { { QStringLiteral("Move to Other Display Direction"), 5 },
+                { QStringLiteral("Reposition Proportionally"), true } }), // r
+        C::control(41, 28, controlOption, { { QStringLiteral("Move to Other Display Direction"), 9 } }), // t
+        C::control(41, 29, controlOption, { { QStringLiteral("Move to Other Display Direction"), 3 } }), // y
         C::control(41, 30, controlOption,
-                   {{QStringLiteral("Move to Other Display Direction"), 5},
-                    {QStringLiteral("Loop Through Displays"), true}}), // u
-        C::control(101, 45, controlOption),                   // k: click
-        C::control(102, 46, controlOption),                   // l: right click
+            { { QStringLiteral("Move to Other Display Direction"), 5 },
+                { QStringLiteral("Loop Through Displays"), true } }), // u
+        C::control(101, 45, controlOption), // k: click
+        C::control(102, 46, controlOption), // l: right click
     };
     const QString settings = m_server->temporaryPath(QStringLiteral("settings.json"));
-    C::writeSettings(settings, {{QStringLiteral("Custom Controls"), controls}});
+    C::writeSettings(settings, { { QStringLiteral("Custom Controls"), controls } });
     m_corvane = std::make_unique<QVCorvaneProcess>(m_server->displayName(), settings);
     QVERIFY2(m_corvane->start(), qPrintable(m_corvane->log()));
 }
@@ -121,7 +122,7 @@ void TestX11Actions::pointerActions()
 
     m_client->movePointer(start);
     QCOMPARE(m_client->pointer(), start);
-    m_client->tap(xcb_keycode_t(key), {QVTestKey::ControlL, QVTestKey::AltL});
+    m_client->tap(xcb_keycode_t(key), { QVTestKey::ControlL, QVTestKey::AltL });
     if (expected == start) {
         // Nothing to wait for: give a wrong move the time it would take, then look.
         QTest::qWait(300);
@@ -164,9 +165,8 @@ void TestX11Actions::clicksCarryNoHeldModifiers()
     QCOMPARE(release->state & heldModifiers, 0);
 
     // The keys the user still holds are down again once the click is done.
-    QTRY_VERIFY_WITH_TIMEOUT(m_client->keysDown().contains(QVTestKey::ControlL)
-                                 && m_client->keysDown().contains(QVTestKey::AltL),
-                             3000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        m_client->keysDown().contains(QVTestKey::ControlL) && m_client->keysDown().contains(QVTestKey::AltL), 3000);
     m_client->keyUp(QVTestKey::AltL);
     m_client->keyUp(QVTestKey::ControlL);
     QTRY_VERIFY_WITH_TIMEOUT(m_client->keysDown().isEmpty(), 3000);
@@ -174,13 +174,43 @@ void TestX11Actions::clicksCarryNoHeldModifiers()
     QVERIFY2(m_client->keysDown().isEmpty(), "a key stayed down after the click");
 }
 
+void TestX11Actions::quickPressesEachMoveFromWhereTheLastLeft()
+{
+    // Presses sent back to back: each later press reaches Corvane before the server has
+    // handled the move of the one before, so the position its event reports is stale.
+    const QPoint start(1500, 500);
+    m_client->movePointer(start);
+    m_client->keyDown(QVTestKey::ControlL);
+    m_client->keyDown(QVTestKey::AltL);
+    constexpr int presses = 20;
+    for (int press = 0; press < presses; ++press)
+        m_client->tapQuickly(10); // 1: right by 10
+    m_client->keyUp(QVTestKey::AltL);
+    m_client->keyUp(QVTestKey::ControlL);
+    QTRY_COMPARE_WITH_TIMEOUT(m_client->pointer(), start + QPoint(10 * presses, 0), 5000);
+    QTest::qWait(200);
+    QCOMPARE(m_client->pointer(), start + QPoint(10 * presses, 0));
+}
+
 void TestX11Actions::monitorChangeWhileRunning()
 {
     // Take the right monitor away: the pointer actions follow at once.
-    QVERIFY(!m_server->run(QStringLiteral("xrandr"), {QStringLiteral("--delmonitor"), QStringLiteral("R")}).isNull());
+    QVERIFY(!m_server->run(QStringLiteral("xrandr"), { QStringLiteral("--delmonitor"), QStringLiteral("R") }).isNull());
     m_client->movePointer(QPoint(2240, 540));
-    m_client->tap(30, {QVTestKey::ControlL, QVTestKey::AltL}); // right, looping: now the left monitor
+    m_client->tap(30, { QVTestKey::ControlL, QVTestKey::AltL }); // right, looping: now the left monitor
     QTRY_COMPARE_WITH_TIMEOUT(m_client->pointer(), QPoint(960, 540), 5000);
+
+    // Monitors set with RandR 1.5 announce themselves only by the root's ConfigureNotify:
+    // the very next press must see the new layout. The primary narrows to 960 pixels.
+    QVERIFY(!m_server->run(QStringLiteral("xrandr"), { QStringLiteral("--delmonitor"), QStringLiteral("P") }).isNull());
+    QVERIFY(!m_server
+                 ->run(QStringLiteral("xrandr"),
+                     { QStringLiteral("--setmonitor"), QStringLiteral("*P"), QStringLiteral("960/240x1080/270+1280+0"),
+                         QStringLiteral("none") })
+                 .isNull());
+    m_client->movePointer(QPoint(1500, 500));
+    m_client->tap(54, { QVTestKey::ControlL, QVTestKey::AltL }); // centre
+    QTRY_COMPARE_WITH_TIMEOUT(m_client->pointer(), QPoint(1760, 540), 5000);
     QVERIFY(m_corvane->isRunning());
 }
 
