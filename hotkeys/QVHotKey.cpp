@@ -6,7 +6,8 @@
 #include "QVModifierFlags.h"
 #include "QVUserDefaults.h"
 
-namespace {
+namespace
+{
 
 quint32 incrementingID = 0;
 constexpr quint32 largestID = 1000000;
@@ -31,12 +32,12 @@ QVCapsLockRule capsLockRule(quint64 flags)
 
 } // namespace
 
-QVHotKey::QVHotKey(const QString &identifier, const QString &visualRepresentation, quint16 keyCode,
-                   quint64 modifierFlags)
-    : m_identifier(identifier),
-      m_visualRepresentation(visualRepresentation),
-      m_keyCode(keyCode),
-      m_modifierFlags(modifierFlags)
+QVHotKey::QVHotKey(
+    const QString &identifier, const QString &visualRepresentation, quint16 keyCode, quint64 modifierFlags)
+    : m_identifier(identifier)
+    , m_visualRepresentation(visualRepresentation)
+    , m_keyCode(keyCode)
+    , m_modifierFlags(modifierFlags)
 {
 }
 
@@ -45,8 +46,8 @@ QVHotKey::~QVHotKey()
     unregister();
 }
 
-QVHotKeyRef QVHotKey::hotKeyWithIdentifer(const QString &identifier, const QString &visualRepresentation,
-                                          quint16 keyCode, quint64 modifierFlags)
+QVHotKeyRef QVHotKey::hotKeyWithIdentifer(
+    const QString &identifier, const QString &visualRepresentation, quint16 keyCode, quint64 modifierFlags)
 {
     return std::make_shared<QVHotKey>(identifier, visualRepresentation, keyCode, modifierFlags);
 }
@@ -58,12 +59,35 @@ QVHotKeyRef QVHotKey::hotKeyWithDictionaryRepresentation(const QJsonObject &dict
     if (identifier.isNull() || text.isNull())
         return nullptr;
     const quint64 flags = static_cast<quint64>(QVIntegerForKey(dictionary, modifierFlagsKey));
-    const auto keyCode = static_cast<quint16>(QVIntegerForKey(dictionary, keyCodeKey));
-    return hotKeyWithIdentifer(identifier, text, keyCode, flags);
+    const qint64 keyCode = QVIntegerForKey(dictionary, keyCodeKey);
+    const QString unusable = unusableReasonFor(keyCode, flags);
+    if (unusable.isEmpty())
+        return hotKeyWithIdentifer(identifier, text, static_cast<quint16>(keyCode), flags);
+    // Cut down to 16 bits the code would name some other key: keep no key at all.
+    const QVHotKeyRef hotKey = hotKeyWithIdentifer(identifier, text, 0, flags);
+    hotKey->m_unusableReason = unusable;
+    hotKey->m_storedDictionary = dictionary;
+    return hotKey;
+}
+
+QString QVHotKey::unusableReasonFor(qint64 keyCode, quint64 modifierFlags)
+{
+    if (keyCode < lowestKeyCode || keyCode > highestKeyCode)
+        return QStringLiteral("key code %1 is not an X key code (%2 to %3)")
+            .arg(keyCode)
+            .arg(lowestKeyCode)
+            .arg(highestKeyCode);
+    if (const quint64 unknown = modifierFlags & ~QVKnownModifierFlags)
+        return QStringLiteral("modifier flags 0x%1 carry unknown bits 0x%2")
+            .arg(modifierFlags, 0, 16)
+            .arg(unknown, 0, 16);
+    return {};
 }
 
 QJsonObject QVHotKey::dictionaryRepresentation() const
 {
+    if (!m_unusableReason.isEmpty())
+        return m_storedDictionary;
     QJsonObject dictionary;
     QVTryToSetObject(dictionary, m_identifier, identifierKey);
     QVTryToSetObject(dictionary, visualRepresentation(), visualRepresentationKey);
@@ -94,28 +118,32 @@ bool QVHotKey::isEqualToHotKey(const QVHotKey &other) const
 
 bool QVHotKey::matchesEvent(const QVEvent *event) const
 {
-    if (!event || !QVIsModifierFlagsMatch(event->modifierFlags, m_modifierFlags))
+    if (!event || !isRegistered() || !QVIsModifierFlagsMatch(event->modifierFlags, m_modifierFlags))
         return false;
     switch (event->type) {
-    case QVEvent::KeyDown:
-        return event->keyCode == m_keyCode;
+    case QVEvent::KeyDown: return event->keyCode == m_keyCode;
     case QVEvent::SystemDefined:
         return event->subtype == QVEvent::HotKeyPressed
             && static_cast<quint32>(event->data1) == static_cast<quint32>(m_hotKeyReference);
-    default:
-        return false;
+    default: return false;
     }
 }
 
 bool QVHotKey::registerForDelegate(QVHotKeyDelegate *delegate, bool testOnly, QString *reason)
 {
+    if (!m_unusableReason.isEmpty()) {
+        if (reason)
+            *reason = m_unusableReason;
+        return false;
+    }
     if (isRegistered()) {
         if (testOnly)
             return true;
         unregister();
     }
     for (const QVHotKeyRef &hotKey : delegate->hotKeys()) {
-        if (hotKey && hotKey.get() != this && hotKey->isEqualToHotKey(*this)) {
+        // One kept without its keys holds nothing, so it stands in no one's way.
+        if (hotKey && hotKey.get() != this && hotKey->isRegistered() && hotKey->isEqualToHotKey(*this)) {
             if (reason)
                 *reason = QStringLiteral("another control uses the same keys");
             return false;

@@ -4,8 +4,11 @@
 
 #include <QtGlobal>
 
-struct QVModifierMatchRules final
-{
+// Every bit a stored hot key may carry: the modifiers and the sides of their keys.
+constexpr quint64 QVKnownModifierFlags = QVModifierFlag::CapsLock | QVModifierFlag::Shift | QVModifierFlag::Control
+    | QVModifierFlag::Option | QVModifierFlag::Command | QVModifierFlag::Function | QVModifierFlag::DeviceDependentMask;
+
+struct QVModifierMatchRules final {
     bool ignoreCapsLock = true;
     bool requireExactModifierKeyMatches = false;
 };

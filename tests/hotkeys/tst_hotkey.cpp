@@ -6,7 +6,8 @@
 
 using namespace QVModifierFlag;
 
-namespace {
+namespace
+{
 const QString exactKey = QStringLiteral("Hot Keys Require Exact Modifier Key Matches");
 const QString capsLockKey = QStringLiteral("Hot Keys Account For Caps Lock Status");
 } // namespace
@@ -23,6 +24,8 @@ private Q_SLOTS:
     void conflictsAndIdentifiers();
     void matchesEvent();
     void dictionaryRepresentation();
+    void storedValuesThatNameNoKey_data();
+    void storedValuesThatNameNoKey();
 };
 
 void TestHotKey::modifierFlagsMatch_data()
@@ -52,7 +55,7 @@ void TestHotKey::modifierFlagsMatch()
     QFETCH(bool, exact);
     QFETCH(bool, expected);
 
-    QCOMPARE(QVIsModifierFlagsMatch(first, second, {!accountForCapsLock, exact}), expected);
+    QCOMPARE(QVIsModifierFlagsMatch(first, second, { !accountForCapsLock, exact }), expected);
     QVFakeApplication app; // the same through the user's settings, and as hot key equality
     app.set(capsLockKey, accountForCapsLock);
     app.set(exactKey, exact);
@@ -65,8 +68,8 @@ void TestHotKey::registration()
 {
     QVFakeApplication app;
     const QList<QVHotKeyRegistration> &requests = app.platform.registrationRequests;
-    auto hotKey =
-        QVHotKey::hotKeyWithIdentifer({}, QStringLiteral("^→"), 114, Control | Function | CapsLock | LeftShift);
+    auto hotKey
+        = QVHotKey::hotKeyWithIdentifer({}, QStringLiteral("^→"), 114, Control | Function | CapsLock | LeftShift);
     QVERIFY(hotKey->testForDelegate(&app)); // proves it can be had, keeps nothing
     QVERIFY(!hotKey->isRegistered() && app.platform.activeHotKeys.isEmpty());
     QCOMPARE(requests.first().carbonModifiers, 0x21000u); // caps lock and sides dropped
@@ -90,7 +93,7 @@ void TestHotKey::registration()
 void TestHotKey::conflictsAndIdentifiers()
 {
     QVFakeApplication app;
-    app.platform.refused.append({38, QVCarbonModifier::Control});
+    app.platform.refused.append({ 38, QVCarbonModifier::Control });
     QVHotKey refused({}, QStringLiteral("^A"), 38, Control);
     QString reason;
     QVERIFY(!refused.registerForDelegate(&app, false, &reason));
@@ -100,7 +103,7 @@ void TestHotKey::conflictsAndIdentifiers()
 
     // Equal to a hot key in use: refused before the service is asked, no id used.
     auto inUse = QVHotKey::hotKeyWithIdentifer({}, QStringLiteral("^→"), 114, Control | CapsLock);
-    app.hotKeysInUse = [&] { return QList<QVHotKeyRef>{inUse}; };
+    app.hotKeysInUse = [&] { return QList<QVHotKeyRef> { inUse }; };
     QVERIFY(inUse->registerForDelegate(&app)); // no conflict with itself
     QVHotKey twin({}, QStringLiteral("^→"), 114, Control);
     reason.clear();
@@ -116,7 +119,13 @@ void TestHotKey::conflictsAndIdentifiers()
     QList<quint32> identifiers;
     for (const QVHotKeyRegistration &request : app.platform.registrationRequests.mid(4))
         identifiers.append(request.identifier);
-    QCOMPARE(identifiers, QList<quint32>({999999u, 1000000u, 0u}));
+    QCOMPARE(identifiers, QList<quint32>({ 999999u, 1000000u, 0u }));
+
+    // A hot key kept without its keys stands in no one's way.
+    app.set(capsLockKey, false);
+    QVERIFY(!twin.registerForDelegate(&app));
+    inUse->unregister();
+    QVERIFY(twin.registerForDelegate(&app));
 }
 
 void TestHotKey::matchesEvent()
@@ -143,6 +152,11 @@ void TestHotKey::matchesEvent()
     QVERIFY(!matches(system, pressed, handle + 1, 0, Control | Option));
     QVERIFY(!matches(system, QVEvent::HotKeyReleased, handle, 114, Control | Option));
     QVERIFY(!hotKey.matchesEvent(nullptr));
+
+    // Kept but not registered: inactive, whatever the event says.
+    hotKey.unregister();
+    QVERIFY(!matches(QVEvent::KeyDown, 0, 0, 114, Control | Option));
+    QVERIFY(!matches(system, pressed, 0, 114, Control | Option));
 }
 
 void TestHotKey::dictionaryRepresentation()
@@ -153,7 +167,7 @@ void TestHotKey::dictionaryRepresentation()
         QVHotKey(QStringLiteral("6F"), QStringLiteral("old"), 114, flags).dictionaryRepresentation());
     QVERIFY(copy && !copy->isRegistered());
     QCOMPARE(copy->visualRepresentation(), QStringLiteral("^⌥→")); // redone from key and flags
-    QCOMPARE(copy->modifierFlags(), flags);                        // kept whole, side bits included
+    QCOMPARE(copy->modifierFlags(), flags); // kept whole, side bits included
     app.set(exactKey, true);
     QCOMPARE(copy->visualRepresentation(), QStringLiteral("Ⓛ^Ⓡ⌥→"));
     QJsonObject incomplete = copy->dictionaryRepresentation();
@@ -161,6 +175,58 @@ void TestHotKey::dictionaryRepresentation()
     QCOMPARE(QVHotKey::hotKeyWithDictionaryRepresentation(incomplete)->keyCode(), quint16(0));
     incomplete.remove(QStringLiteral("Identifier"));
     QVERIFY(!QVHotKey::hotKeyWithDictionaryRepresentation(incomplete));
+}
+
+void TestHotKey::storedValuesThatNameNoKey_data()
+{
+    QTest::addColumn<QJsonValue>("keyCode");
+    QTest::addColumn<QJsonValue>("modifierFlags");
+    QTest::addColumn<QString>("reason"); // empty for a usable hot key
+
+    const QJsonValue controlOption = double(Control | Option);
+    QTest::newRow("lowest X key code") << QJsonValue(8) << controlOption << QString();
+    QTest::newRow("highest X key code") << QJsonValue(255) << controlOption << QString();
+    QTest::newRow("every known bit") << QJsonValue(
+        114) << QJsonValue(double(CapsLock | Shift | Control | Option | Command | Function | DeviceDependentMask))
+                                     << QString();
+    // 65536 + 114 would grab Right if cut down to 16 bits.
+    QTest::newRow("beyond 16 bits") << QJsonValue(65650) << controlOption << QStringLiteral("key code 65650");
+    QTest::newRow("beyond X") << QJsonValue(256) << controlOption << QStringLiteral("key code 256");
+    QTest::newRow("below X") << QJsonValue(7) << controlOption << QStringLiteral("key code 7");
+    QTest::newRow("negative") << QJsonValue(-114) << controlOption << QStringLiteral("key code -114");
+    QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << controlOption << QStringLiteral("key code 0");
+    QTest::newRow("unknown high bit") << QJsonValue(114) << QJsonValue(double(Control | 0x1000000))
+                                      << QStringLiteral("unknown bits 0x1000000");
+    QTest::newRow("unknown low bit") << QJsonValue(114) << QJsonValue(double(Control | 0x100))
+                                     << QStringLiteral("unknown bits 0x100");
+    QTest::newRow("negative flags") << QJsonValue(114) << QJsonValue(-1) << QStringLiteral("unknown bits");
+}
+
+void TestHotKey::storedValuesThatNameNoKey()
+{
+    QFETCH(QJsonValue, keyCode);
+    QFETCH(QJsonValue, modifierFlags);
+    QFETCH(QString, reason);
+
+    QVFakeApplication app;
+    QJsonObject stored { { QStringLiteral("Identifier"), QStringLiteral("6F") },
+        { QStringLiteral("Visual Representation"), QStringLiteral("odd") },
+        { QStringLiteral("Modifier Flags"), modifierFlags } };
+    if (!keyCode.isUndefined())
+        stored.insert(QStringLiteral("Key Code"), keyCode);
+    const QVHotKeyRef hotKey = QVHotKey::hotKeyWithDictionaryRepresentation(stored);
+    QVERIFY(hotKey);
+    QString refusal;
+    const bool registered = hotKey->registerForDelegate(&app, false, &refusal);
+    if (reason.isEmpty()) {
+        QVERIFY2(registered && hotKey->unusableReason().isEmpty(), qPrintable(refusal));
+        return;
+    }
+    QVERIFY(!registered && !hotKey->isRegistered());
+    QVERIFY2(refusal.contains(reason), qPrintable(refusal));
+    QCOMPARE(hotKey->unusableReason(), refusal);
+    QVERIFY2(app.platform.registrationRequests.isEmpty(), "nothing that names no key reaches the service");
+    QCOMPARE(hotKey->dictionaryRepresentation(), stored); // written back as it was
 }
 
 QTEST_GUILESS_MAIN(TestHotKey)
