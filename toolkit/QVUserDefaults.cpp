@@ -10,18 +10,30 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 #include <QStandardPaths>
+#include <QThread>
 
-namespace {
+namespace
+{
 QVUserDefaults *standardDefaults = nullptr;
+// How long the file must have been quiet before it is read.
+constexpr int settleMilliseconds = 300;
+
+QString settingsKept(const QJsonObject &values)
+{
+    return values.isEmpty() ? QStringLiteral("empty settings") : QStringLiteral("the settings it had");
 }
 
+} // namespace
+
 QVUserDefaults::QVUserDefaults(const QString &filePath, QObject *parent)
-    : QObject(parent), m_filePath(QFileInfo(filePath).absoluteFilePath())
+    : QObject(parent)
+    , m_filePath(QFileInfo(filePath).absoluteFilePath())
 {
-    reload();
-    // Editors that write in place leave the file empty or half-written for a moment.
+    readAtStart();
+    // Editors that write in place leave the file empty or half-written for a moment,
+    // and a slow one pauses between its writes: every change starts the wait again.
     m_settleTimer.setSingleShot(true);
-    m_settleTimer.setInterval(150);
+    m_settleTimer.setInterval(settleMilliseconds);
     connect(&m_settleTimer, &QTimer::timeout, this, &QVUserDefaults::fileMayHaveChanged);
     connect(&m_watcher, &QFileSystemWatcher::fileChanged, &m_settleTimer, qOverload<>(&QTimer::start));
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_settleTimer, qOverload<>(&QTimer::start));
@@ -64,60 +76,161 @@ bool QVUserDefaults::boolForKey(const QString &key) const
     return QVBoolForKey(m_values, key);
 }
 
-void QVUserDefaults::setObject(const QJsonValue &value, const QString &key)
+bool QVUserDefaults::setObject(const QJsonValue &value, const QString &key)
 {
     if (value.isNull() || value.isUndefined())
         m_values.remove(key);
     else
         m_values.insert(key, value);
-    write();
+    return write();
 }
 
-void QVUserDefaults::removeObjectForKey(const QString &key)
+bool QVUserDefaults::removeObjectForKey(const QString &key)
 {
-    setObject(QJsonValue(), key);
+    return setObject(QJsonValue(), key);
 }
 
-bool QVUserDefaults::reload()
+void QVUserDefaults::keepFileAsideBeforeNextWrite(const QString &problem)
 {
+    if (m_lastContents.isEmpty())
+        return; // nothing read, nothing to lose
+    m_contentsToKeepAside = m_lastContents;
+    m_keepAsideProblem = problem;
+}
+
+void QVUserDefaults::prepareForFinalWrite()
+{
+    // Read whether or not a change was seen: its notice may not have arrived yet.
+    m_settleTimer.stop();
+    Reading reading = readFile();
+    if (reading.outcome == Outcome::Unparsable && reading.contents != m_unparsableContents) {
+        QThread::msleep(settleMilliseconds); // the same second look as while running
+        reading = readFile();
+    }
+    if (reading.outcome == Outcome::Unparsable)
+        moveBrokenFileAside(reading.problem);
+    else
+        takeReading(reading);
+    if (reading.outcome == Outcome::Parsed)
+        Q_EMIT changedExternally();
+}
+
+QVUserDefaults::Reading QVUserDefaults::readFile() const
+{
+    Reading reading;
     QFile file(m_filePath);
-    if (!file.exists()) {
-        m_lastContents.clear();
-        return true; // first launch: every key absent
-    }
+    if (!file.exists())
+        return reading;
     if (!file.open(QIODevice::ReadOnly)) {
-        QVLog(QStringLiteral("cannot read settings file %1: %2").arg(m_filePath, file.errorString()));
-        return false;
+        reading.outcome = Outcome::Unreadable;
+        reading.problem = file.errorString();
+        return reading;
     }
-    const QByteArray contents = file.readAll();
-    if (contents == m_lastContents)
-        return true;
-    QJsonParseError error{};
-    const QJsonDocument document = QJsonDocument::fromJson(contents, &error);
+    reading.contents = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        reading.outcome = Outcome::Unreadable;
+        reading.problem = file.errorString();
+        return reading;
+    }
+    if (reading.contents.isEmpty()) // holds nothing to lose, like a missing file
+        return reading;
+    if (reading.contents == m_lastContents) {
+        reading.outcome = Outcome::Unchanged;
+        return reading;
+    }
+    QJsonParseError error {};
+    const QJsonDocument document = QJsonDocument::fromJson(reading.contents, &error);
     if (error.error != QJsonParseError::NoError || !document.isObject()) {
-        // Keep what is in memory: a broken file must cost the user nothing.
-        moveBrokenFileAside(error.error != QJsonParseError::NoError
-                                ? QStringLiteral("%1 at offset %2").arg(error.errorString()).arg(error.offset)
-                                : QStringLiteral("the top level is not an object"));
-        m_lastContents.clear();
-        return false;
+        reading.outcome = Outcome::Unparsable;
+        reading.problem = error.error != QJsonParseError::NoError
+            ? QStringLiteral("%1 at offset %2").arg(error.errorString()).arg(error.offset)
+            : QStringLiteral("the top level is not an object");
+        return reading;
     }
-    m_values = document.object();
-    m_lastContents = contents;
-    m_writeProtected = false;
-    return true;
+    reading.outcome = Outcome::Parsed;
+    reading.values = document.object();
+    return reading;
+}
+
+void QVUserDefaults::readAtStart()
+{
+    const Reading reading = readFile();
+    if (reading.outcome == Outcome::Unparsable) {
+        m_unparsableContents = reading.contents;
+        moveBrokenFileAside(reading.problem);
+    } else {
+        takeReading(reading);
+    }
+}
+
+void QVUserDefaults::fileMayHaveChanged()
+{
+    watch();
+    const Reading reading = readFile();
+    if (reading.outcome == Outcome::Unparsable)
+        fileIsUnparsable(reading);
+    else
+        takeReading(reading);
+    if (reading.outcome == Outcome::Parsed)
+        Q_EMIT changedExternally();
+}
+
+void QVUserDefaults::takeReading(const Reading &reading)
+{
+    m_unparsableContents.clear();
+    switch (reading.outcome) {
+    case Outcome::Parsed:
+        m_values = reading.values;
+        m_lastContents = reading.contents;
+        setFileState(FileState::Fine);
+        break;
+    case Outcome::Unreadable:
+        setFileState(FileState::Unreadable,
+            QStringLiteral("settings file %1 cannot be read (%2); Corvane goes on with %3 and does not "
+                           "write over it")
+                .arg(m_filePath, reading.problem, settingsKept(m_values)));
+        break;
+    case Outcome::Unparsable: // handled by the callers
+    case Outcome::Unchanged:
+    case Outcome::Absent:
+        setFileState(FileState::Fine); // nothing in the file that a write could lose
+        break;
+    }
+}
+
+void QVUserDefaults::fileIsUnparsable(const Reading &reading)
+{
+    if (reading.contents != m_unparsableContents) {
+        // Read again once the file has been quiet a while longer before judging it.
+        m_unparsableContents = reading.contents;
+        if (m_fileState != FileState::Unparsable)
+            setFileState(FileState::Suspect);
+        m_settleTimer.start();
+        return;
+    }
+    setFileState(FileState::Unparsable,
+        QStringLiteral("settings file %1 cannot be read (%2); it is left as it is, and Corvane keeps the "
+                       "settings it had and does not write over the file while it stays so")
+            .arg(m_filePath, reading.problem));
+}
+
+void QVUserDefaults::setFileState(FileState state, const QString &message)
+{
+    if (state != m_fileState && !message.isEmpty())
+        QVLog(message);
+    m_fileState = state;
 }
 
 bool QVUserDefaults::write()
 {
-    if (m_writeProtected) {
-        QVLog(QStringLiteral("settings not written: %1 cannot be read and is left as it is").arg(m_filePath));
-        return false;
-    }
+    if (m_fileState != FileState::Fine)
+        return false; // the log said so when the file went bad; the values stay in memory
     if (!QDir().mkpath(QFileInfo(m_filePath).absolutePath())) {
         QVLog(QStringLiteral("cannot create the folder of settings file %1").arg(m_filePath));
         return false;
     }
+    if (!keepContentsAside())
+        return false;
     const QByteArray contents = QJsonDocument(m_values).toJson(QJsonDocument::Indented);
     QSaveFile file(m_filePath);
     if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size() || !file.commit()) {
@@ -129,35 +242,59 @@ bool QVUserDefaults::write()
     return true;
 }
 
+bool QVUserDefaults::keepContentsAside()
+{
+    if (m_contentsToKeepAside.isEmpty())
+        return true;
+    const QString path = freeBrokenFilePath();
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)
+        || file.write(m_contentsToKeepAside) != m_contentsToKeepAside.size() || !file.flush()) {
+        QVLog(QStringLiteral("settings file %1 not written: it cannot be kept first as %2 (%3)")
+                  .arg(m_filePath, path, file.errorString()));
+        return false;
+    }
+    QVLog(QStringLiteral("settings file %1 was kept as it was in %2 before Corvane wrote it (%3)")
+              .arg(m_filePath, path, m_keepAsideProblem));
+    m_contentsToKeepAside.clear();
+    return true;
+}
+
 void QVUserDefaults::watch()
 {
     const QString directory = QFileInfo(m_filePath).absolutePath();
     if (QFileInfo::exists(directory) && !m_watcher.directories().contains(directory))
         m_watcher.addPath(directory);
-    // A rename over the file drops it from the watch list: add it back each time.
-    if (QFileInfo::exists(m_filePath) && !m_watcher.files().contains(m_filePath))
+    // A rename over the file leaves the watch on the file that was replaced:
+    // watch the path afresh so that in-place writes to the new one are seen.
+    if (m_watcher.files().contains(m_filePath))
+        m_watcher.removePath(m_filePath);
+    if (QFileInfo(m_filePath).isReadable()) // a file closed to us cannot be watched; its folder still is
         m_watcher.addPath(m_filePath);
 }
 
-void QVUserDefaults::fileMayHaveChanged()
+void QVUserDefaults::moveBrokenFileAside(const QString &problem)
 {
-    watch();
-    const QByteArray before = m_lastContents;
-    if (reload() && m_lastContents != before && !m_lastContents.isEmpty())
-        Q_EMIT changedExternally();
+    const QString brokenPath = freeBrokenFilePath();
+    if (!QFile::rename(m_filePath, brokenPath)) {
+        setFileState(FileState::CannotMoveAside,
+            QStringLiteral("settings file %1 cannot be read (%2) nor moved aside; it is left untouched")
+                .arg(m_filePath, problem));
+        return;
+    }
+    QVLog(QStringLiteral("settings file %1 cannot be read (%2); it was moved to %3 and Corvane goes on with %4")
+              .arg(m_filePath, problem, brokenPath, settingsKept(m_values)));
+    m_lastContents.clear();
+    m_unparsableContents.clear();
+    setFileState(FileState::Fine);
 }
 
-void QVUserDefaults::moveBrokenFileAside(const QString &reason)
+QString QVUserDefaults::freeBrokenFilePath() const
 {
-    const QString brokenPath = m_filePath + QStringLiteral(".broken-")
+    const QString stem = m_filePath + QStringLiteral(".broken-")
         + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
-    if (QFile::rename(m_filePath, brokenPath))
-        QVLog(QStringLiteral("settings file %1 cannot be read (%2); it was moved to %3 and Corvane goes on with %4")
-                  .arg(m_filePath, reason, brokenPath,
-                       m_values.isEmpty() ? QStringLiteral("empty settings") : QStringLiteral("the settings it had")));
-    else {
-        m_writeProtected = true;
-        QVLog(QStringLiteral("settings file %1 cannot be read (%2) nor moved aside; it is left untouched")
-                  .arg(m_filePath, reason));
-    }
+    QString path = stem;
+    for (int number = 2; QFileInfo::exists(path); ++number)
+        path = stem + QStringLiteral("-%1").arg(number);
+    return path;
 }
