@@ -12,20 +12,21 @@
 #include <QAction>
 #include <QThread>
 
-namespace {
+namespace
+{
 QVMainController *sharedController = nullptr;
 const QString capsLockKey = QStringLiteral("Hot Keys Account For Caps Lock Status");
 } // namespace
 
 QVMainController::QVMainController(QVPlatform &platform, QVUserDefaults &defaults, QObject *parent)
-    : QObject(parent),
-      m_platform(platform),
-      m_defaults(defaults),
-      m_manager(std::make_unique<QVCustomControlManager>(&defaults, this, [&platform] { platform.beep(); })),
-      m_engine(
+    : QObject(parent)
+    , m_platform(platform)
+    , m_defaults(defaults)
+    , m_manager(std::make_unique<QVCustomControlManager>(&defaults, this, [&platform] { platform.beep(); }))
+    , m_engine(
           platform, platform, [this] { return m_manager->controls(); },
-          [](int milliseconds) { QThread::msleep(static_cast<unsigned long>(milliseconds)); }),
-      m_accountsForCapsLock(defaults.boolForKey(capsLockKey))
+          [](int milliseconds) { QThread::msleep(static_cast<unsigned long>(milliseconds)); })
+    , m_accountsForCapsLock(defaults.boolForKey(capsLockKey))
 {
     connect(&defaults, &QVUserDefaults::changedExternally, this, &QVMainController::settingsChangedExternally);
     m_engine.setScreenSectionPresenter(this);
@@ -55,11 +56,13 @@ void QVMainController::applicationDidFinishLaunching()
 
 void QVMainController::applicationShouldTerminate()
 {
+    // An outside edit still settling is taken in, and an unparsable file kept aside, before the list goes out.
+    m_defaults.prepareForFinalWrite();
     m_manager->save();
 }
 
-bool QVMainController::performActionTriggeredByControl(QVCustomControlRepresentation *control,
-                                                       const QVEvent *event, bool isRepetition, bool *shouldRepeat)
+bool QVMainController::performActionTriggeredByControl(
+    QVCustomControlRepresentation *control, const QVEvent *event, bool isRepetition, bool *shouldRepeat)
 {
     return m_engine.performActionTriggeredByControl(control, event, isRepetition, shouldRepeat);
 }
@@ -67,8 +70,8 @@ bool QVMainController::performActionTriggeredByControl(QVCustomControlRepresenta
 void QVMainController::performCustomControlActionForMenuItem(const QAction *item)
 {
     const QString identifier = item ? item->data().toString() : QString();
-    const QVCustomControlRef control =
-        identifier.isEmpty() ? nullptr : m_manager->controlWithUniqueIdentifier(identifier);
+    const QVCustomControlRef control
+        = identifier.isEmpty() ? nullptr : m_manager->controlWithUniqueIdentifier(identifier);
     if (!control || !performActionTriggeredByControl(control.get(), nullptr, false, nullptr))
         m_platform.beep();
 }
@@ -77,7 +80,7 @@ QList<QVHotKeyRef> QVMainController::hotKeys() const
 {
     QList<QVHotKeyRef> hotKeys;
     for (const QVCustomControlRef &control : m_manager->controls())
-        if (const QVHotKeyRef hotKey = control->hotKey())
+        if (const QVHotKeyRef hotKey = control->hotKey(); hotKey && hotKey->isRegistered())
             hotKeys.append(hotKey);
     return hotKeys;
 }
@@ -108,24 +111,25 @@ bool QVMainController::shouldSetHotKey(const QVHotKeyRef &hotKey, const QString 
 void QVMainController::settingsChangedExternally()
 {
     const bool accountsForCapsLock = m_defaults.boolForKey(capsLockKey);
-    if (accountsForCapsLock == m_accountsForCapsLock)
-        return;
-    m_accountsForCapsLock = accountsForCapsLock;
-    QVLog(accountsForCapsLock ? QStringLiteral("hot keys now take Caps Lock into account")
-                              : QStringLiteral("hot keys now ignore Caps Lock"));
-    // The Caps Lock rule decides which lock states are grabbed.
-    registerHotKeysAgain();
+    const bool capsLockRuleChanged = accountsForCapsLock != m_accountsForCapsLock;
+    if (capsLockRuleChanged) {
+        m_accountsForCapsLock = accountsForCapsLock;
+        QVLog(accountsForCapsLock ? QStringLiteral("hot keys now take Caps Lock into account")
+                                  : QStringLiteral("hot keys now ignore Caps Lock"));
+    }
+    // A rebuilt list registers under the current rule; otherwise the rule decides
+    // which lock states are grabbed, so the hot keys are registered again.
+    if (m_manager->reloadControlsIfChanged())
+        QVLog(QStringLiteral("custom controls reloaded from %1: %2 controls")
+                  .arg(m_defaults.filePath())
+                  .arg(m_manager->controls().size()));
+    else if (capsLockRuleChanged)
+        registerHotKeysAgain();
 }
 
 void QVMainController::registerHotKeysAgain()
 {
-    for (const QVCustomControlRef &control : m_manager->controls()) {
-        const QVHotKeyRef hotKey = control->hotKey();
-        QString reason;
-        if (hotKey && !hotKey->registerForDelegate(control.get(), false, &reason))
-            QVLog(QStringLiteral("hot key %1 of \"%2\" cannot be registered again: %3")
-                      .arg(hotKey->visualRepresentation(), control->displayTitleWithSuffixes(nullptr), reason));
-    }
+    m_manager->registerHotKeys();
 }
 
 void QVMainController::dispatchEventNormally(const QVEventRef &event)
@@ -171,21 +175,11 @@ bool QVMainController::handleKeyDownEvent(const QVEvent &event, QVScreenOverlayP
     case QVScreenOverlayCommand::Ignore:
     case QVScreenOverlayCommand::OpenPreferences: // no settings window yet
         break;
-    case QVScreenOverlayCommand::Perform:
-        performOverlayPanelAction();
-        break;
-    case QVScreenOverlayCommand::NextDisplay:
-        moveOverlayToNextDisplay(panel);
-        break;
-    case QVScreenOverlayCommand::RemoveLastStep:
-        panel.removeLastStep();
-        break;
-    case QVScreenOverlayCommand::AddStep:
-        panel.addStep(command.position);
-        break;
-    case QVScreenOverlayCommand::Close:
-        panel.setActive(false);
-        break;
+    case QVScreenOverlayCommand::Perform: performOverlayPanelAction(); break;
+    case QVScreenOverlayCommand::NextDisplay: moveOverlayToNextDisplay(panel); break;
+    case QVScreenOverlayCommand::RemoveLastStep: panel.removeLastStep(); break;
+    case QVScreenOverlayCommand::AddStep: panel.addStep(command.position); break;
+    case QVScreenOverlayCommand::Close: panel.setActive(false); break;
     }
     return true;
 }

@@ -35,8 +35,8 @@ public:
     // Saves the controls; called once when the application quits.
     void applicationShouldTerminate();
 
-    bool performActionTriggeredByControl(QVCustomControlRepresentation *control, const QVEvent *event,
-                                         bool isRepetition, bool *shouldRepeat);
+    bool performActionTriggeredByControl(
+        QVCustomControlRepresentation *control, const QVEvent *event, bool isRepetition, bool *shouldRepeat);
     // The item's data names a control by its unique identifier.
     void performCustomControlActionForMenuItem(const QAction *item);
 

@@ -5,14 +5,45 @@
 
 #include <QJsonObject>
 
-namespace {
+#include <algorithm>
+
+namespace
+{
+
 QVCustomControlManager *sharedManager = nullptr;
 const QString customControlsKey = QStringLiteral("Custom Controls");
+
+// What a save would lose of the stored value: anything but dictionaries in a list.
+QString problemOfStoredControls(const QJsonValue &stored)
+{
+    if (stored.isUndefined() || stored.isNull())
+        return {};
+    if (!stored.isArray())
+        return QStringLiteral("\"Custom Controls\" is not a list; no controls were loaded");
+    const QJsonArray elements = stored.toArray();
+    const auto skipped = std::count_if(
+        elements.begin(), elements.end(), [](const QJsonValue &element) { return !element.isObject(); });
+    if (skipped == 0)
+        return {};
+    if (skipped == 1)
+        return QStringLiteral("an entry of \"Custom Controls\" is not a dictionary and was skipped");
+    return QStringLiteral("%1 entries of \"Custom Controls\" are not dictionaries and were skipped").arg(skipped);
+}
+
+void logInactiveHotKey(const QVCustomControlRepresentation &control, const QString &reason)
+{
+    QVLog(QStringLiteral("hot key %1 of \"%2\" is kept but inactive: %3")
+              .arg(control.hotKey()->visualRepresentation(), control.displayTitleWithSuffixes(nullptr),
+                  reason.isEmpty() ? QStringLiteral("refused") : reason));
+}
+
 } // namespace
 
-QVCustomControlManager::QVCustomControlManager(QVUserDefaults *defaults, QVHotKeyDelegate *applicationDelegate,
-                                               std::function<void()> beep)
-    : m_defaults(defaults), m_applicationDelegate(applicationDelegate), m_beep(std::move(beep))
+QVCustomControlManager::QVCustomControlManager(
+    QVUserDefaults *defaults, QVHotKeyDelegate *applicationDelegate, std::function<void()> beep)
+    : m_defaults(defaults)
+    , m_applicationDelegate(applicationDelegate)
+    , m_beep(std::move(beep))
 {
 }
 
@@ -28,34 +59,60 @@ void QVCustomControlManager::setDefaultManager(QVCustomControlManager *manager)
 
 void QVCustomControlManager::loadControls()
 {
-    const QJsonValue stored = m_defaults->objectForKey(customControlsKey);
-    if (!stored.isArray() && !stored.isUndefined() && !stored.isNull())
-        QVLog(QStringLiteral("\"Custom Controls\" in %1 is not a list; no controls were loaded")
-                  .arg(m_defaults->filePath()));
-    const QJsonArray elements = stored.toArray();
+    m_storedControls = m_defaults->objectForKey(customControlsKey);
+    const QString problem = problemOfStoredControls(m_storedControls);
+    if (!problem.isEmpty()) {
+        QVLog(QStringLiteral("settings file %1: %2").arg(m_defaults->filePath(), problem));
+        m_defaults->keepFileAsideBeforeNextWrite(problem);
+    }
+    const QJsonArray elements = m_storedControls.toArray();
     for (const QJsonValue &element : elements) {
-        if (!element.isObject()) {
-            QVLog(QStringLiteral("an entry of \"Custom Controls\" is not a dictionary and was skipped"));
+        if (!element.isObject())
             continue;
-        }
-        const QJsonObject dictionary = element.toObject();
         QString reason;
         const QVCustomControlRef control = QVCustomControlRepresentation::controlWithDictionaryRepresentation(
-            dictionary, m_applicationDelegate, &reason);
+            element.toObject(), m_applicationDelegate, &reason);
         m_controls.append(control);
-        if (!reason.isNull())
-            QVLog(QStringLiteral("hot key %1 of \"%2\" cannot be registered and was dropped: %3")
-                      .arg(dictionary.value(QStringLiteral("Hot Key"))
-                               .toObject()
-                               .value(QStringLiteral("Visual Representation"))
-                               .toString(),
-                           control->displayTitleWithSuffixes(nullptr), reason));
+        if (control->hasInactiveHotKey())
+            logInactiveHotKey(*control, reason);
     }
+}
+
+bool QVCustomControlManager::reloadControlsIfChanged()
+{
+    if (m_defaults->objectForKey(customControlsKey) == m_storedControls)
+        return false;
+    // Unregistered first, so that the new list can take the same keys again.
+    unregisterHotKeys();
+    m_controls.clear();
+    loadControls();
+    return true;
+}
+
+void QVCustomControlManager::registerHotKeys()
+{
+    // All let go first: a control earlier in the list wins keys it shares with a later one.
+    unregisterHotKeys();
+    for (const QVCustomControlRef &control : m_controls) {
+        const QVHotKeyRef hotKey = control->hotKey();
+        QString reason;
+        if (hotKey && !hotKey->registerForDelegate(control.get(), false, &reason))
+            logInactiveHotKey(*control, reason);
+    }
+}
+
+void QVCustomControlManager::unregisterHotKeys()
+{
+    for (const QVCustomControlRef &control : m_controls)
+        if (const QVHotKeyRef hotKey = control->hotKey())
+            hotKey->unregister();
 }
 
 void QVCustomControlManager::save()
 {
-    m_defaults->setObject(controlDictionaryRepresentations(), customControlsKey);
+    const QJsonArray dictionaries = controlDictionaryRepresentations();
+    if (m_defaults->setObject(dictionaries, customControlsKey))
+        m_storedControls = dictionaries;
 }
 
 QJsonArray QVCustomControlManager::controlDictionaryRepresentations() const
@@ -74,11 +131,11 @@ QVCustomControlRef QVCustomControlManager::controlWithUniqueIdentifier(const QSt
     return nullptr;
 }
 
-QVCustomControlRef QVCustomControlManager::addControlWithDictionaryRepresentation(const QJsonObject &dictionary,
-                                                                                bool belowCurrentSelection)
+QVCustomControlRef QVCustomControlManager::addControlWithDictionaryRepresentation(
+    const QJsonObject &dictionary, bool belowCurrentSelection)
 {
-    const QVCustomControlRef control =
-        QVCustomControlRepresentation::controlWithDictionaryRepresentation(dictionary, m_applicationDelegate);
+    const QVCustomControlRef control
+        = QVCustomControlRepresentation::controlWithDictionaryRepresentation(dictionary, m_applicationDelegate);
     if (!belowCurrentSelection || m_controls.size() < 2 || !m_selection) {
         m_controls.append(control);
         return control;
@@ -95,8 +152,8 @@ QVCustomControlRef QVCustomControlManager::addControlWithDictionaryRepresentatio
 
 void QVCustomControlManager::deleteSelectedControls()
 {
-    const QList<QVCustomControlRef> selected = m_selection ? m_selection->selectedControls()
-                                                           : QList<QVCustomControlRef>();
+    const QList<QVCustomControlRef> selected
+        = m_selection ? m_selection->selectedControls() : QList<QVCustomControlRef>();
     if (selected.isEmpty()) {
         if (m_beep)
             m_beep();

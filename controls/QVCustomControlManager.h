@@ -10,20 +10,27 @@
 
 class QVUserDefaults;
 
-// The ordered list of every custom control: loaded from "Custom Controls" once,
-// saved back when the application quits.
+// The ordered list of every custom control: loaded from "Custom Controls" at
+// launch and again when the file is edited from outside, saved back when the
+// application quits.
 class QVCustomControlManager final
 {
 public:
-    QVCustomControlManager(QVUserDefaults *defaults, QVHotKeyDelegate *applicationDelegate,
-                           std::function<void()> beep);
+    QVCustomControlManager(QVUserDefaults *defaults, QVHotKeyDelegate *applicationDelegate, std::function<void()> beep);
 
     // The instance the application uses, set up by main.
     static QVCustomControlManager *defaultManager();
     static void setDefaultManager(QVCustomControlManager *manager);
 
-    // Reads "Custom Controls"; every stored hot key is registered again.
+    // Reads "Custom Controls"; every stored hot key is registered again, and one
+    // that cannot be is kept inactive. When the value is not a list of
+    // dictionaries, the file as it is is kept aside before it is next written.
     void loadControls();
+    // Rebuilds the list when "Custom Controls" differs from what was last read or
+    // written, the old hot keys let go first; true when it did.
+    bool reloadControlsIfChanged();
+    // Lets go of every hot key, then registers each again in list order.
+    void registerHotKeys();
     void save();
 
     const QList<QVCustomControlRef> &controls() const { return m_controls; }
@@ -31,8 +38,8 @@ public:
     QVCustomControlRef controlWithUniqueIdentifier(const QString &identifier) const;
 
     // Appends, or inserts below the lowest selected control when asked to.
-    QVCustomControlRef addControlWithDictionaryRepresentation(const QJsonObject &dictionary,
-                                                              bool belowCurrentSelection);
+    QVCustomControlRef addControlWithDictionaryRepresentation(
+        const QJsonObject &dictionary, bool belowCurrentSelection);
     // Removes the selected controls (their hot keys go with them); beeps when none is.
     void deleteSelectedControls();
 
@@ -42,9 +49,12 @@ public:
     bool hasAccessibleControlWithStatusItem(bool withStatusItem) const;
 
 private:
+    void unregisterHotKeys();
+
     QVUserDefaults *m_defaults;
     QVHotKeyDelegate *m_applicationDelegate;
     std::function<void()> m_beep;
     const QVCustomControlSelection *m_selection = nullptr;
     QList<QVCustomControlRef> m_controls;
+    QJsonValue m_storedControls; // "Custom Controls" as last read or written
 };

@@ -5,9 +5,11 @@
 
 #include <QCoreApplication>
 
-namespace {
+namespace
+{
 
-namespace Key {
+namespace Key
+{
 const QString identifier = QStringLiteral("Identifier");
 const QString title = QStringLiteral("Title");
 const QString collapsed = QStringLiteral("Collapsed");
@@ -69,8 +71,8 @@ QString edgeOrCornerTitle(qint64 position)
         QT_TRANSLATE_NOOP("QVCustomControlRepresentation", "Move to Left Edge"),
         QT_TRANSLATE_NOOP("QVCustomControlRepresentation", "Move to Top Left Corner"),
     };
-    return tr(titleByPosition(position, titles,
-                              QT_TRANSLATE_NOOP("QVCustomControlRepresentation", "Move to Edge/Corner")));
+    return tr(
+        titleByPosition(position, titles, QT_TRANSLATE_NOOP("QVCustomControlRepresentation", "Move to Edge/Corner")));
 }
 
 QString otherDisplayTitle(qint64 direction)
@@ -86,8 +88,8 @@ QString otherDisplayTitle(qint64 direction)
         QT_TRANSLATE_NOOP("QVCustomControlRepresentation", "Move to Display on the Left"),
         nullptr,
     };
-    return tr(titleByPosition(direction, titles,
-                              QT_TRANSLATE_NOOP("QVCustomControlRepresentation", "Move to Other Display")));
+    return tr(titleByPosition(
+        direction, titles, QT_TRANSLATE_NOOP("QVCustomControlRepresentation", "Move to Other Display")));
 }
 
 } // namespace
@@ -98,7 +100,7 @@ QVCustomControlRepresentation::QVCustomControlRepresentation(QVHotKeyDelegate *a
 }
 
 QVCustomControlRef QVCustomControlRepresentation::controlWithDictionaryRepresentation(
-    const QJsonObject &dictionary, QVHotKeyDelegate *applicationDelegate, QString *droppedHotKeyReason)
+    const QJsonObject &dictionary, QVHotKeyDelegate *applicationDelegate, QString *unregisteredReason)
 {
     auto control = std::make_shared<QVCustomControlRepresentation>(applicationDelegate);
     control->m_uniqueIdentifier = QVStringForKey(dictionary, Key::identifier);
@@ -114,12 +116,12 @@ QVCustomControlRef QVCustomControlRepresentation::controlWithDictionaryRepresent
     control->m_moveToOtherDisplayReposition = QVBoolForKey(dictionary, Key::reposition);
     control->m_moveToOtherDisplayLoop = QVBoolForKey(dictionary, Key::loop);
 
-    const QVHotKeyRef hotKey = QVHotKey::hotKeyWithDictionaryRepresentation(dictionary.value(Key::hotKey).toObject());
+    // Kept even when it cannot be registered: the keys may be free at the next try.
+    control->m_hotKey = QVHotKey::hotKeyWithDictionaryRepresentation(dictionary.value(Key::hotKey).toObject());
     QString reason;
-    if (hotKey && hotKey->registerForDelegate(control.get(), false, &reason))
-        control->m_hotKey = hotKey;
-    else if (hotKey && droppedHotKeyReason)
-        *droppedHotKeyReason = reason;
+    if (control->m_hotKey && !control->m_hotKey->registerForDelegate(control.get(), false, &reason)
+        && unregisteredReason)
+        *unregisteredReason = reason;
     return control;
 }
 
@@ -155,8 +157,7 @@ QString QVCustomControlRepresentation::displayTitleWithSuffixes(QStringList *suf
     if (suffixes)
         suffixes->clear();
     switch (m_action) {
-    case QVAction::MoveToCenter:
-        return tr("Center");
+    case QVAction::MoveToCenter: return tr("Center");
     case QVAction::Move:
         if (suffixes) {
             suffixes->append(QVStringWithInteger(tr("%ld px"), m_moveDelta));
@@ -166,8 +167,7 @@ QString QVCustomControlRepresentation::displayTitleWithSuffixes(QStringList *suf
                 suffixes->append(tr("Confine to Display"));
         }
         return moveTitle(m_moveDirection);
-    case QVAction::MoveToEdgeOrCorner:
-        return edgeOrCornerTitle(m_moveToEdgeOrCornerPosition);
+    case QVAction::MoveToEdgeOrCorner: return edgeOrCornerTitle(m_moveToEdgeOrCornerPosition);
     case QVAction::MoveToOtherDisplay:
         if (suffixes) {
             if (m_moveToOtherDisplayReposition)
@@ -176,14 +176,10 @@ QString QVCustomControlRepresentation::displayTitleWithSuffixes(QStringList *suf
                 suffixes->append(tr("Loop"));
         }
         return otherDisplayTitle(m_moveToOtherDisplayDirection);
-    case QVAction::MoveToScreenSection:
-        return tr("Move to Screen Section...");
-    case QVAction::Click:
-        return tr("Click");
-    case QVAction::RightClick:
-        return tr("Right Click");
-    default:
-        return m_title.isNull() ? tr("Untitled") : m_title;
+    case QVAction::MoveToScreenSection: return tr("Move to Screen Section...");
+    case QVAction::Click: return tr("Click");
+    case QVAction::RightClick: return tr("Right Click");
+    default: return m_title.isNull() ? tr("Untitled") : m_title;
     }
 }
 

@@ -20,11 +20,11 @@ public:
     // applicationDelegate stands for the application in hot key registration.
     explicit QVCustomControlRepresentation(QVHotKeyDelegate *applicationDelegate);
 
-    // A record read from its stored form; its stored hot key is registered again
-    // and dropped (with reason set) when that fails.
-    static QVCustomControlRef controlWithDictionaryRepresentation(const QJsonObject &dictionary,
-                                                                 QVHotKeyDelegate *applicationDelegate,
-                                                                 QString *droppedHotKeyReason = nullptr);
+    // A record read from its stored form; its stored hot key is registered again.
+    // One that cannot be is kept unregistered, to be tried again later and written
+    // back as stored; unregisteredReason then says why.
+    static QVCustomControlRef controlWithDictionaryRepresentation(
+        const QJsonObject &dictionary, QVHotKeyDelegate *applicationDelegate, QString *unregisteredReason = nullptr);
     QJsonObject dictionaryRepresentation();
 
     // Made on first use and kept.
@@ -40,6 +40,8 @@ public:
     void setAction(qint64 action) { m_action = action; }
     QVHotKeyRef hotKey() const { return m_hotKey; }
     void setHotKey(const QVHotKeyRef &hotKey) { m_hotKey = hotKey; }
+    // A hot key is kept but does not trigger the control: its keys could not be had.
+    bool hasInactiveHotKey() const { return m_hotKey && !m_hotKey->isRegistered(); }
     qint64 moveDirection() const { return m_moveDirection; }
     void setMoveDirection(qint64 direction) { m_moveDirection = direction; }
     qint64 moveDelta() const { return m_moveDelta; }

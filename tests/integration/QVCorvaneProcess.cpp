@@ -1,13 +1,17 @@
 #include "QVCorvaneProcess.h"
 
+#include "QVTestXClient.h"
+
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QJsonDocument>
+#include <QTest>
 #include <QThread>
 
 #include <csignal>
 
-namespace {
+namespace
+{
 constexpr int readyDeadlineMilliseconds = 20000;
 }
 
@@ -20,13 +24,22 @@ QVCorvaneProcess::QVCorvaneProcess(const QString &displayName, const QString &se
     environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("*.debug=false"));
     m_process.setProcessEnvironment(environment);
     m_process.setProgram(QStringLiteral(CORVANE_BINARY));
-    m_process.setArguments({QStringLiteral("--settings"), settingsPath});
+    m_process.setArguments({ QStringLiteral("--settings"), settingsPath });
 }
 
 QVCorvaneProcess::~QVCorvaneProcess()
 {
     if (isRunning())
         stop(SIGKILL);
+}
+
+void QVCorvaneProcess::setUser(uint userId, uint groupId)
+{
+    m_process.setArguments(
+        QStringList { QStringLiteral("--reuid=%1").arg(userId), QStringLiteral("--regid=%1").arg(groupId),
+            QStringLiteral("--clear-groups"), QStringLiteral("--"), m_process.program() }
+        + m_process.arguments());
+    m_process.setProgram(QStringLiteral("setpriv")); // it runs corvane in its own place, under the same id
 }
 
 void QVCorvaneProcess::setEnvironmentVariable(const QString &name, const QString &value)
@@ -70,12 +83,11 @@ QJsonObject QVCorvaneProcess::control(qint64 action, quint16 keyCode, quint64 mo
 {
     static int counter = 0;
     const QString identifier = QStringLiteral("TEST-%1").arg(++counter);
-    QJsonObject control{{QStringLiteral("Identifier"), identifier}, {QStringLiteral("Action"), action}};
+    QJsonObject control { { QStringLiteral("Identifier"), identifier }, { QStringLiteral("Action"), action } };
     control.insert(QStringLiteral("Hot Key"),
-                   QJsonObject{{QStringLiteral("Identifier"), identifier},
-                               {QStringLiteral("Visual Representation"), QStringLiteral("key %1").arg(keyCode)},
-                               {QStringLiteral("Key Code"), keyCode},
-                               {QStringLiteral("Modifier Flags"), double(modifierFlags)}});
+        QJsonObject { { QStringLiteral("Identifier"), identifier },
+            { QStringLiteral("Visual Representation"), QStringLiteral("key %1").arg(keyCode) },
+            { QStringLiteral("Key Code"), keyCode }, { QStringLiteral("Modifier Flags"), double(modifierFlags) } });
     for (auto it = extra.begin(); it != extra.end(); ++it)
         control.insert(it.key(), it.value());
     return control;
@@ -90,8 +102,27 @@ void QVCorvaneProcess::writeSettings(const QString &path, const QJsonObject &set
 
 QJsonObject QVCorvaneProcess::readSettings(const QString &path)
 {
+    return QJsonDocument::fromJson(readFile(path)).object();
+}
+
+QByteArray QVCorvaneProcess::readFile(const QString &path)
+{
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QJsonDocument::fromJson(file.readAll()).object();
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool QVCorvaneProcess::tapMovesPointer(
+    QVTestXClient &client, xcb_keycode_t key, const QList<xcb_keycode_t> &modifiers, const QPoint &offset)
+{
+    const QPoint start(600, 400);
+    client.movePointer(start);
+    client.tap(key, modifiers);
+    if (offset.isNull()) {
+        QTest::qWait(300); // the time a wrong move would take to show
+        return client.pointer() == start;
+    }
+    QDeadlineTimer deadline(5000);
+    while (!deadline.hasExpired() && client.pointer() == start)
+        QTest::qWait(5);
+    return client.pointer() == start + offset;
 }

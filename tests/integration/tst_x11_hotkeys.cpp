@@ -10,7 +10,8 @@
 
 #include <csignal>
 
-namespace {
+namespace
+{
 
 constexpr quint64 controlOption = 0xC0000;
 constexpr quint64 leftControl = 0x1;
@@ -21,7 +22,7 @@ constexpr xcb_keycode_t keyJ = 44;
 
 QJsonObject moveBy(qint64 direction, qint64 delta)
 {
-    return {{QStringLiteral("Move Direction"), direction}, {QStringLiteral("Move Delta"), delta}};
+    return { { QStringLiteral("Move Direction"), direction }, { QStringLiteral("Move Delta"), delta } };
 }
 
 } // namespace
@@ -36,7 +37,8 @@ private Q_SLOTS:
     void lockModifiersNeverMatterByDefault();
     void capsLockMattersWhenTheSettingSaysSo();
     void sidesMatterOnlyWithExactMatching();
-    void combinationHeldByAnotherProgramIsDropped();
+    void combinationHeldByAnotherProgramIsKept();
+    void storedValuesThatNameNoKeyAreWrittenBackUnchanged();
     void mappingChangeKeepsHotKeysWorking();
     void heldMoveRepeatsAtTheKeyboardRate();
 
@@ -80,25 +82,15 @@ bool TestX11HotKeys::startCorvane(const QJsonObject &settings)
 
 bool TestX11HotKeys::pressMoves(xcb_keycode_t key, const QList<xcb_keycode_t> &modifiers, const QPoint &offset)
 {
-    const QPoint start(600, 400);
-    m_client->movePointer(start);
-    m_client->tap(key, modifiers);
-    if (offset.isNull()) {
-        QTest::qWait(300); // the time a wrong move would take to show
-        return m_client->pointer() == start;
-    }
-    QDeadlineTimer deadline(5000);
-    while (!deadline.hasExpired() && m_client->pointer() == start)
-        QTest::qWait(5);
-    return m_client->pointer() == start + offset;
+    return QVCorvaneProcess::tapMovesPointer(*m_client, key, modifiers, offset);
 }
 
 void TestX11HotKeys::lockModifiersNeverMatterByDefault()
 {
     using C = QVCorvaneProcess;
-    QVERIFY(startCorvane({{QStringLiteral("Custom Controls"),
-                           QJsonArray{C::control(31, QVTestKey::Right, controlOption, moveBy(5, 10))}}}));
-    const QList<xcb_keycode_t> held{QVTestKey::ControlL, QVTestKey::AltL};
+    QVERIFY(startCorvane({ { QStringLiteral("Custom Controls"),
+        QJsonArray { C::control(31, QVTestKey::Right, controlOption, moveBy(5, 10)) } } }));
+    const QList<xcb_keycode_t> held { QVTestKey::ControlL, QVTestKey::AltL };
     QVERIFY(pressMoves(QVTestKey::Right, held, QPoint(10, 0)));
     toggleLock(QVTestKey::NumLock);
     QVERIFY(m_client->modifierState() != 0);
@@ -106,7 +98,7 @@ void TestX11HotKeys::lockModifiersNeverMatterByDefault()
     toggleLock(QVTestKey::CapsLock);
     QVERIFY2(pressMoves(QVTestKey::Right, held, QPoint(10, 0)), "NumLock and Caps Lock on");
     // Without the modifiers it is an ordinary key, not the hot key.
-    QVERIFY(pressMoves(QVTestKey::Right, {QVTestKey::ControlL}, QPoint()));
+    QVERIFY(pressMoves(QVTestKey::Right, { QVTestKey::ControlL }, QPoint()));
     toggleLock(QVTestKey::CapsLock);
     toggleLock(QVTestKey::NumLock);
 }
@@ -114,16 +106,16 @@ void TestX11HotKeys::lockModifiersNeverMatterByDefault()
 void TestX11HotKeys::capsLockMattersWhenTheSettingSaysSo()
 {
     using C = QVCorvaneProcess;
-    const QJsonArray controls{C::control(31, QVTestKey::Right, controlOption, moveBy(5, 10))};
-    QVERIFY(startCorvane({{QStringLiteral("Custom Controls"), controls}}));
-    const QList<xcb_keycode_t> held{QVTestKey::ControlL, QVTestKey::AltL};
+    const QJsonArray controls { C::control(31, QVTestKey::Right, controlOption, moveBy(5, 10)) };
+    QVERIFY(startCorvane({ { QStringLiteral("Custom Controls"), controls } }));
+    const QList<xcb_keycode_t> held { QVTestKey::ControlL, QVTestKey::AltL };
 
     // Changed from outside while running: takes effect at once.
     QJsonObject settings = C::readSettings(m_settingsPath);
     settings.insert(QStringLiteral("Hot Keys Account For Caps Lock Status"), true);
     C::writeSettings(m_settingsPath, settings);
-    QTRY_VERIFY2_WITH_TIMEOUT(m_corvane->log().contains(QLatin1String("take Caps Lock into account")),
-                              qPrintable(m_corvane->log()), 5000);
+    QTRY_VERIFY2_WITH_TIMEOUT(
+        m_corvane->log().contains(QLatin1String("take Caps Lock into account")), qPrintable(m_corvane->log()), 5000);
     toggleLock(QVTestKey::CapsLock);
     QVERIFY2(pressMoves(QVTestKey::Right, held, QPoint()), qPrintable(m_corvane->log()));
     toggleLock(QVTestKey::CapsLock);
@@ -133,64 +125,117 @@ void TestX11HotKeys::capsLockMattersWhenTheSettingSaysSo()
 void TestX11HotKeys::sidesMatterOnlyWithExactMatching()
 {
     using C = QVCorvaneProcess;
-    const QJsonArray controls{
+    const QJsonArray controls {
         C::control(31, QVTestKey::Left, controlOption | leftControl | leftOption, moveBy(9, 10)),
         C::control(31, QVTestKey::Left, controlOption | rightControl | leftOption, moveBy(9, 100)),
     };
-    QVERIFY(startCorvane({{QStringLiteral("Hot Keys Require Exact Modifier Key Matches"), true},
-                          {QStringLiteral("Custom Controls"), controls}}));
+    QVERIFY(startCorvane({ { QStringLiteral("Hot Keys Require Exact Modifier Key Matches"), true },
+        { QStringLiteral("Custom Controls"), controls } }));
     QVERIFY2(!m_corvane->log().contains(QLatin1String("dropped")), qPrintable(m_corvane->log()));
-    QVERIFY(pressMoves(QVTestKey::Left, {QVTestKey::ControlL, QVTestKey::AltL}, QPoint(-10, 0)));
-    QVERIFY(pressMoves(QVTestKey::Left, {QVTestKey::ControlR, QVTestKey::AltL}, QPoint(-100, 0)));
-    QVERIFY2(pressMoves(QVTestKey::Left, {QVTestKey::ControlL, QVTestKey::AltL}, QPoint(-10, 0)), qPrintable(m_corvane->log()));
+    QVERIFY(pressMoves(QVTestKey::Left, { QVTestKey::ControlL, QVTestKey::AltL }, QPoint(-10, 0)));
+    QVERIFY(pressMoves(QVTestKey::Left, { QVTestKey::ControlR, QVTestKey::AltL }, QPoint(-100, 0)));
+    QVERIFY2(pressMoves(QVTestKey::Left, { QVTestKey::ControlL, QVTestKey::AltL }, QPoint(-10, 0)),
+        qPrintable(m_corvane->log()));
 }
 
-void TestX11HotKeys::combinationHeldByAnotherProgramIsDropped()
+void TestX11HotKeys::combinationHeldByAnotherProgramIsKept()
 {
     using C = QVCorvaneProcess;
+    const QList<xcb_keycode_t> held { QVTestKey::ControlL, QVTestKey::AltL };
     QVERIFY(m_client->grabKey(keyG, XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1));
-    const QJsonArray controls{C::control(31, keyG, controlOption, moveBy(5, 10)),
-                              C::control(31, keyJ, controlOption, moveBy(9, 10))};
-    QVERIFY(startCorvane({{QStringLiteral("Custom Controls"), controls}}));
+    const QJsonArray controls { C::control(31, keyG, controlOption, moveBy(5, 10)),
+        C::control(31, keyJ, controlOption, moveBy(9, 10)) };
+    QVERIFY(startCorvane({ { QStringLiteral("Custom Controls"), controls } }));
 
-    const QStringList dropped = m_corvane->log().split(u'\n').filter(QStringLiteral("dropped"));
-    QCOMPARE(dropped.size(), 1);
-    QVERIFY2(dropped.first().contains(QLatin1String("another program holds")), qPrintable(dropped.first()));
-    QVERIFY(pressMoves(keyJ, {QVTestKey::ControlL, QVTestKey::AltL}, QPoint(-10, 0)));
-    m_client->tap(keyG, {QVTestKey::ControlL, QVTestKey::AltL});
+    const QStringList inactive = m_corvane->logLines(QStringLiteral("inactive"));
+    QCOMPARE(inactive.size(), 1);
+    QVERIFY2(inactive.first().contains(QLatin1String("another program holds")), qPrintable(inactive.first()));
+    QVERIFY(pressMoves(keyJ, held, QPoint(-10, 0)));
+    m_client->tap(keyG, held);
     QVERIFY2(m_client->receivedKeyPress(keyG, 3000), "the program holding the grab still gets its key");
+
+    // Written back as stored, to be tried again at the next start.
+    QCOMPARE(m_corvane->stop(SIGTERM), 0);
+    const QJsonArray saved = C::readSettings(m_settingsPath).value(QStringLiteral("Custom Controls")).toArray();
+    QCOMPARE(saved.size(), 2);
+    for (qsizetype index = 0; index < saved.size(); ++index) {
+        const QJsonObject hotKey = saved[index].toObject().value(QStringLiteral("Hot Key")).toObject();
+        const QJsonObject stored = controls[index].toObject().value(QStringLiteral("Hot Key")).toObject();
+        QCOMPARE(hotKey.value(QStringLiteral("Key Code")), stored.value(QStringLiteral("Key Code")));
+        QCOMPARE(hotKey.value(QStringLiteral("Modifier Flags")), stored.value(QStringLiteral("Modifier Flags")));
+    }
+
+    // Still held at the next start; once the other program lets go, registering again takes it.
+    m_corvane = std::make_unique<QVCorvaneProcess>(m_server->displayName(), m_settingsPath);
+    QVERIFY(m_corvane->start());
+    QCOMPARE(m_corvane->logLines(QStringLiteral("inactive")).size(), 1);
+    m_client = std::make_unique<QVTestXClient>(m_server->displayName()); // the old connection's grab goes with it
+    QVERIFY(pressMoves(keyG, held, QPoint()));
+    QJsonObject settings = C::readSettings(m_settingsPath);
+    settings.insert(QStringLiteral("Hot Keys Account For Caps Lock Status"), true);
+    C::writeSettings(m_settingsPath, settings);
+    QTRY_VERIFY2_WITH_TIMEOUT(
+        m_corvane->log().contains(QLatin1String("take Caps Lock into account")), qPrintable(m_corvane->log()), 5000);
+    QVERIFY2(pressMoves(keyG, held, QPoint(10, 0)), qPrintable(m_corvane->log()));
+    QVERIFY(pressMoves(keyJ, held, QPoint(-10, 0)));
+}
+
+void TestX11HotKeys::storedValuesThatNameNoKeyAreWrittenBackUnchanged()
+{
+    using C = QVCorvaneProcess;
+    QJsonObject beyondX = C::control(31, QVTestKey::Right, controlOption, moveBy(5, 10));
+    QJsonObject hotKey = beyondX.value(QStringLiteral("Hot Key")).toObject();
+    hotKey.insert(QStringLiteral("Key Code"), 65536 + QVTestKey::Right); // cut to 16 bits: Right
+    beyondX.insert(QStringLiteral("Hot Key"), hotKey);
+    const QJsonArray controls { beyondX, C::control(31, QVTestKey::Left, controlOption | 0x1000000, moveBy(9, 10)) };
+    QVERIFY(startCorvane({ { QStringLiteral("Custom Controls"), controls } }));
+    const QStringList inactive = m_corvane->logLines(QStringLiteral("inactive"));
+    QCOMPARE(inactive.size(), 2);
+    QVERIFY2(inactive[0].contains(QLatin1String("key code 65650")), qPrintable(inactive[0]));
+    QVERIFY2(inactive[1].contains(QLatin1String("unknown bits")), qPrintable(inactive[1]));
+
+    // Neither Right nor Left is taken: another program may grab them, and gets their presses.
+    const quint16 controlAlt = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1;
+    QVERIFY(m_client->grabKey(QVTestKey::Right, controlAlt));
+    QVERIFY(m_client->grabKey(QVTestKey::Left, controlAlt));
+    QVERIFY(pressMoves(QVTestKey::Right, { QVTestKey::ControlL, QVTestKey::AltL }, QPoint()));
+    QVERIFY(m_client->receivedKeyPress(QVTestKey::Right, 3000));
 
     QCOMPARE(m_corvane->stop(SIGTERM), 0);
     const QJsonArray saved = C::readSettings(m_settingsPath).value(QStringLiteral("Custom Controls")).toArray();
     QCOMPARE(saved.size(), 2);
-    QVERIFY(!saved[0].toObject().contains(QStringLiteral("Hot Key")));
-    QVERIFY(saved[1].toObject().contains(QStringLiteral("Hot Key")));
+    for (qsizetype index = 0; index < saved.size(); ++index)
+        QCOMPARE(saved[index].toObject().value(QStringLiteral("Hot Key")),
+            controls[index].toObject().value(QStringLiteral("Hot Key")));
 }
 
 void TestX11HotKeys::mappingChangeKeepsHotKeysWorking()
 {
     using C = QVCorvaneProcess;
-    QVERIFY(startCorvane({{QStringLiteral("Custom Controls"),
-                           QJsonArray{C::control(31, QVTestKey::Right, controlOption, moveBy(5, 10))}}}));
+    QVERIFY(startCorvane({ { QStringLiteral("Custom Controls"),
+        QJsonArray { C::control(31, QVTestKey::Right, controlOption, moveBy(5, 10)) } } }));
     // NumLock moves to another modifier bit: the ignored lock variants must follow.
-    QVERIFY(!m_server->run(QStringLiteral("xmodmap"), {QStringLiteral("-e"), QStringLiteral("remove mod2 = Num_Lock"),
-                                                      QStringLiteral("-e"), QStringLiteral("add mod3 = Num_Lock")})
+    QVERIFY(!m_server
+                 ->run(QStringLiteral("xmodmap"),
+                     { QStringLiteral("-e"), QStringLiteral("remove mod2 = Num_Lock"), QStringLiteral("-e"),
+                         QStringLiteral("add mod3 = Num_Lock") })
                  .isNull());
     toggleLock(QVTestKey::NumLock);
     QVERIFY(m_client->modifierState() & XCB_MOD_MASK_3);
-    QTRY_VERIFY_WITH_TIMEOUT(pressMoves(QVTestKey::Right, {QVTestKey::ControlL, QVTestKey::AltL}, QPoint(10, 0)),
-                             5000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        pressMoves(QVTestKey::Right, { QVTestKey::ControlL, QVTestKey::AltL }, QPoint(10, 0)), 5000);
     toggleLock(QVTestKey::NumLock);
 }
 
 void TestX11HotKeys::heldMoveRepeatsAtTheKeyboardRate()
 {
     using C = QVCorvaneProcess;
-    QVERIFY(startCorvane({{QStringLiteral("Custom Controls"),
-                           QJsonArray{C::control(31, QVTestKey::Right, controlOption, moveBy(5, 1))}}}));
+    QVERIFY(startCorvane({ { QStringLiteral("Custom Controls"),
+        QJsonArray { C::control(31, QVTestKey::Right, controlOption, moveBy(5, 1)) } } }));
     // 250 ms before the first repeat, then 25 per second (every 40 ms).
-    QVERIFY(!m_server->run(QStringLiteral("xset"), {QStringLiteral("r"), QStringLiteral("rate"), QStringLiteral("250"),
-                                                   QStringLiteral("25")})
+    QVERIFY(!m_server
+                 ->run(QStringLiteral("xset"),
+                     { QStringLiteral("r"), QStringLiteral("rate"), QStringLiteral("250"), QStringLiteral("25") })
                  .isNull());
     const QPoint start(100, 400);
     m_client->movePointer(start);
@@ -218,7 +263,7 @@ void TestX11HotKeys::heldMoveRepeatsAtTheKeyboardRate()
     qInfo("first repeat after %lld ms, %d moves in %lld ms (%.1f expected)", firstRepeat, moved, heldFor, expected);
     QVERIFY2(firstRepeat >= 200 && firstRepeat < 600, "the first repeat waits for the repeat delay");
     QVERIFY2(moved >= expected * 0.6 && moved <= expected * 1.15,
-             "repeats come at the repeat interval, and the server's own repeats never add to them");
+        "repeats come at the repeat interval, and the server's own repeats never add to them");
 }
 
 QTEST_GUILESS_MAIN(TestX11HotKeys)
