@@ -10,7 +10,6 @@
 #include "QVUserDefaults.h"
 
 #include <QAction>
-#include <QThread>
 
 namespace
 {
@@ -24,8 +23,7 @@ QVMainController::QVMainController(QVPlatform &platform, QVUserDefaults &default
     , m_defaults(defaults)
     , m_manager(std::make_unique<QVCustomControlManager>(&defaults, this, [&platform] { platform.beep(); }))
     , m_engine(
-          platform, platform, [this] { return m_manager->controls(); },
-          [](int milliseconds) { QThread::msleep(static_cast<unsigned long>(milliseconds)); })
+          platform, platform, [this] { return m_manager->controls(); }, m_clickTimer)
     , m_accountsForCapsLock(defaults.boolForKey(capsLockKey))
 {
     connect(&defaults, &QVUserDefaults::changedExternally, this, &QVMainController::settingsChangedExternally);
@@ -56,6 +54,8 @@ void QVMainController::applicationDidFinishLaunching()
 
 void QVMainController::applicationShouldTerminate()
 {
+    m_engine.finishPendingClick(); // no button left down behind us
+
     // An outside edit still settling is taken in, and an unparsable file kept aside, before the list goes out.
     m_defaults.prepareForFinalWrite();
     m_manager->save();

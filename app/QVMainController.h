@@ -5,6 +5,7 @@
 #include "QVHotKeyDelegate.h"
 #include "QVScreenOverlayPanelDelegate.h"
 #include "QVScreenSectionPresenter.h"
+#include "QVTimerDelayedPerformer.h"
 
 #include <QObject>
 
@@ -71,6 +72,7 @@ private:
     QVPlatform &m_platform;
     QVUserDefaults &m_defaults;
     std::unique_ptr<QVCustomControlManager> m_manager;
+    QVTimerDelayedPerformer m_clickTimer;
     QVActionEngine m_engine;
     std::unique_ptr<QVScreenOverlayPanel> m_overlayPanel; // made on first use, then kept
     bool m_accountsForCapsLock = false;

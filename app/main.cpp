@@ -6,14 +6,16 @@
 #include "QVTimerDelayedPerformer.h"
 #include "QVUnixSignalWatcher.h"
 #include "QVUserDefaults.h"
+#include "QVX11Connection.h"
 #include "QVX11Platform.h"
 
 #include <QStringList>
 
 #include <cstdio>
-#include <xcb/xcb.h>
+#include <cstdlib>
 
-namespace {
+namespace
+{
 
 QStringList argumentList(int argc, char **argv)
 {
@@ -28,28 +30,50 @@ void printLine(std::FILE *stream, const QString &text)
     std::fputs(text.toLocal8Bit().constData(), stream);
 }
 
+void printUnreachable()
+{
+    printLine(stderr,
+        QStringLiteral("corvane: cannot open X11 display \"%1\". Corvane needs a running X "
+                       "server that this user may connect to.\n")
+            .arg(QString::fromLocal8Bit(qgetenv("DISPLAY"))));
+}
+
 // Corvane drives X11 only; say plainly what is missing before Qt gives up on its own terms.
-bool checkDisplay()
+// The connection that proves the display reachable is kept and becomes Corvane's own: a
+// probe closed before Qt connects can be a server's last client, and a server that resets
+// as its last client leaves may then be mid-reset when Qt connects.
+std::unique_ptr<QVX11Connection> openDisplay()
 {
     const QByteArray display = qgetenv("DISPLAY");
     if (display.isEmpty()) {
         if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-            printLine(stderr, QStringLiteral("corvane: this Wayland session offers no X11 display ($DISPLAY is "
-                                             "not set). Corvane needs X11: log in to an X11 session, or run "
-                                             "XWayland.\n"));
+            printLine(stderr,
+                QStringLiteral("corvane: this Wayland session offers no X11 display ($DISPLAY is "
+                               "not set). Corvane needs X11: log in to an X11 session, or run "
+                               "XWayland.\n"));
         else
-            printLine(stderr, QStringLiteral("corvane: no X11 display: $DISPLAY is not set. Corvane needs a "
-                                             "running X server.\n"));
-        return false;
+            printLine(stderr,
+                QStringLiteral("corvane: no X11 display: $DISPLAY is not set. Corvane needs a "
+                               "running X server.\n"));
+        return nullptr;
     }
-    xcb_connection_t *probe = xcb_connect(display.constData(), nullptr);
-    const bool reachable = !xcb_connection_has_error(probe);
-    xcb_disconnect(probe);
-    if (!reachable)
-        printLine(stderr, QStringLiteral("corvane: cannot open X11 display \"%1\". Corvane needs a running X "
-                                         "server that this user may connect to.\n")
-                              .arg(QString::fromLocal8Bit(display)));
-    return reachable;
+    std::unique_ptr<QVX11Connection> connection = QVX11Connection::open(display, nullptr);
+    if (!connection)
+        printUnreachable();
+    return connection;
+}
+
+// Qt ends a failed connection of its own with an abort; Corvane ends it with its message.
+void exitOnQtFatal(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type != QtFatalMsg) {
+        printLine(stderr, message + u'\n');
+        return;
+    }
+    printLine(stderr,
+        QStringLiteral("corvane: cannot use X11 display \"%1\": %2\n")
+            .arg(QString::fromLocal8Bit(qgetenv("DISPLAY")), message.section(u'\n', 0, 0)));
+    std::_Exit(1);
 }
 
 } // namespace
@@ -69,24 +93,27 @@ int main(int argc, char **argv)
         printLine(stdout, QStringLiteral("corvane %1\n").arg(QStringLiteral(CORVANE_VERSION)));
         return 0;
     }
-    if (!checkDisplay())
+    std::unique_ptr<QVX11Connection> connection = openDisplay();
+    if (!connection)
         return 1;
     qputenv("QT_QPA_PLATFORM", "xcb");
 
+    const QtMessageHandler previousHandler = qInstallMessageHandler(exitOnQtFatal);
     QVEventParserApplication application(argc, argv);
+    qInstallMessageHandler(previousHandler);
     QVEventParserApplication::setApplicationName(QStringLiteral("Corvane"));
     QVEventParserApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
     QVEventParserApplication::setQuitOnLastWindowClosed(false);
 
     QString error;
-    std::unique_ptr<QVX11Platform> platform = QVX11Platform::open(qgetenv("DISPLAY"), &error);
+    std::unique_ptr<QVX11Platform> platform = QVX11Platform::open(std::move(connection), &error);
     if (!platform) {
         printLine(stderr, QStringLiteral("corvane: %1\n").arg(error));
         return 1;
     }
 
-    QVUserDefaults defaults(commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath()
-                                                              : commandLine.settingsPath);
+    QVUserDefaults defaults(
+        commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath() : commandLine.settingsPath);
     QVUserDefaults::setStandardUserDefaults(&defaults);
 
     QVMainController controller(*platform, defaults);
@@ -97,15 +124,15 @@ int main(int argc, char **argv)
         [&controller](const QVEvent *event, bool isRepetition, bool *shouldRepeat) {
             return controller.performActionTriggeredByControl(nullptr, event, isRepetition, shouldRepeat);
         },
-        [&controller](const QVEventRef &event) { controller.dispatchEventNormally(event); },
-        *platform, repetitionTimer));
+        [&controller](const QVEventRef &event) { controller.dispatchEventNormally(event); }, *platform,
+        repetitionTimer));
     platform->setEventHandler([&application](const QVEventRef &event) { application.sendEvent(event); });
 
     QVUnixSignalWatcher signals;
     QObject::connect(&signals, &QVUnixSignalWatcher::terminationRequested, &application,
-                     [](int) { QVEventParserApplication::quit(); });
+        [](int) { QVEventParserApplication::quit(); });
     QObject::connect(&application, &QVEventParserApplication::aboutToQuit, &controller,
-                     &QVMainController::applicationShouldTerminate);
+        &QVMainController::applicationShouldTerminate);
 
     controller.applicationDidFinishLaunching();
     QVLog(QStringLiteral("started on display %1 with %2 controls, settings in %3")

@@ -1,5 +1,6 @@
 #include "QVActionEngine.h"
 
+#include "QVDelayedPerformer.h"
 #include "QVDisplayService.h"
 #include "QVLog.h"
 #include "QVPointerEvents.h"
@@ -11,10 +12,11 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
+namespace
+{
 
 constexpr quint64 largestAccelerationFactor = 150;
-constexpr int clickHoldMilliseconds = 50;
+constexpr double clickHoldSeconds = 0.05;
 
 QVPoint edgeOrCornerPoint(qint64 position, QVPoint target, const QVRect &frame)
 {
@@ -26,11 +28,12 @@ QVPoint edgeOrCornerPoint(qint64 position, QVPoint target, const QVRect &frame)
         target.x = frame.maxX();
     else if (QVCorvanePositionIncludesLeft(position))
         target.x = frame.x;
-    return target;
+    // "Right edge" is the display's last column even where a neighbour starts beyond it.
+    return QVPointConfinedToDisplayPixels(frame, target);
 }
 
-QVPoint otherDisplayPoint(const QVCustomControlRepresentation &control, const QVPoint &location,
-                          const QVRect &from, const QVRect &to)
+QVPoint otherDisplayPoint(
+    const QVCustomControlRepresentation &control, const QVPoint &location, const QVRect &from, const QVRect &to)
 {
     QVPoint target;
     if (control.moveToOtherDisplayReposition()) {
@@ -40,19 +43,22 @@ QVPoint otherDisplayPoint(const QVCustomControlRepresentation &control, const QV
         target.x = to.x - from.x + location.x;
         target.y = to.y - from.y + location.y;
     }
-    return QVPointConfinedToRect(to, target);
+    return QVPointConfinedToDisplayPixels(to, target);
 }
 
 } // namespace
 
-QVActionEngine::QVActionEngine(QVDisplayService &displays, QVPointerEventService &pointer,
-                               ControlsProvider controls, Sleeper sleep)
-    : m_displays(displays), m_pointer(pointer), m_controls(std::move(controls)), m_sleep(std::move(sleep))
+QVActionEngine::QVActionEngine(QVDisplayService &displays, QVPointerEventService &pointer, ControlsProvider controls,
+    QVDelayedPerformer &clickTimer)
+    : m_displays(displays)
+    , m_pointer(pointer)
+    , m_controls(std::move(controls))
+    , m_clickTimer(clickTimer)
 {
 }
 
-bool QVActionEngine::performActionTriggeredByControl(QVCustomControlRepresentation *control, const QVEvent *event,
-                                                     bool isRepetition, bool *shouldRepeat)
+bool QVActionEngine::performActionTriggeredByControl(
+    QVCustomControlRepresentation *control, const QVEvent *event, bool isRepetition, bool *shouldRepeat)
 {
     m_repetitionCounter = isRepetition ? m_repetitionCounter + 1 : 0;
     QVCustomControlRef matched; // keeps the control alive while it runs
@@ -67,13 +73,11 @@ bool QVActionEngine::performActionTriggeredByControl(QVCustomControlRepresentati
     const QVDisplayList &displays = snapshot.displays;
     const QVPoint location = snapshot.mouseLocation;
     const QVDisplay *display = screenAtPosition(QVPosition::None, location, displays);
-    const QVRect frame = display ? display->frame : QVRect{};
+    const QVRect frame = display ? display->frame : QVRect {};
     QVPoint target = location;
 
     switch (control->action()) {
-    case QVAction::MoveToCenter:
-        target = frame.center();
-        break;
+    case QVAction::MoveToCenter: target = frame.center(); break;
     case QVAction::Move:
         target = movedPoint(*control, location, display, displays);
         if (shouldRepeat)
@@ -84,8 +88,8 @@ bool QVActionEngine::performActionTriggeredByControl(QVCustomControlRepresentati
             target = edgeOrCornerPoint(control->moveToEdgeOrCornerPosition(), target, frame);
         break;
     case QVAction::MoveToOtherDisplay:
-        if (const QVDisplay *other = screenAtRelativePosition(display, control->moveToOtherDisplayDirection(),
-                                                              control->moveToOtherDisplayLoop(), displays);
+        if (const QVDisplay *other = screenAtRelativePosition(
+                display, control->moveToOtherDisplayDirection(), control->moveToOtherDisplayLoop(), displays);
             display && other)
             target = otherDisplayPoint(*control, location, frame, other->frame);
         break;
@@ -98,12 +102,8 @@ bool QVActionEngine::performActionTriggeredByControl(QVCustomControlRepresentati
             m_screenSection->activateOverlayWithFrame(frame);
         break;
     case QVAction::Click:
-    case QVAction::RightClick:
-        click(control->action() == QVAction::RightClick);
-        break;
-    default:
-        QVLog(QStringLiteral("unknown action"));
-        break;
+    case QVAction::RightClick: click(control->action() == QVAction::RightClick); break;
+    default: QVLog(QStringLiteral("unknown action")); break;
     }
 
     if (!(target == location))
@@ -122,7 +122,7 @@ QVCustomControlRef QVActionEngine::controlMatchingEvent(const QVEvent *event) co
 }
 
 QVPoint QVActionEngine::movedPoint(const QVCustomControlRepresentation &control, const QVPoint &location,
-                                   const QVDisplay *display, const QVDisplayList &displays) const
+    const QVDisplay *display, const QVDisplayList &displays) const
 {
     double delta = static_cast<double>(control.moveDelta());
     if (control.moveAccelerate() && m_repetitionCounter != 0)
@@ -134,13 +134,25 @@ QVPoint QVActionEngine::movedPoint(const QVCustomControlRepresentation &control,
     QVPoint target = location;
     switch (control.moveDirection()) {
     case QVPosition::Top: target.y += delta; break;
-    case QVPosition::TopRight: target.x += diagonal; target.y += diagonal; break;
+    case QVPosition::TopRight:
+        target.x += diagonal;
+        target.y += diagonal;
+        break;
     case QVPosition::Right: target.x += delta; break;
-    case QVPosition::BottomRight: target.x += diagonal; target.y -= diagonal; break;
+    case QVPosition::BottomRight:
+        target.x += diagonal;
+        target.y -= diagonal;
+        break;
     case QVPosition::Bottom: target.y -= delta; break;
-    case QVPosition::BottomLeft: target.x -= diagonal; target.y -= diagonal; break;
+    case QVPosition::BottomLeft:
+        target.x -= diagonal;
+        target.y -= diagonal;
+        break;
     case QVPosition::Left: target.x -= delta; break;
-    case QVPosition::TopLeft: target.x -= diagonal; target.y += diagonal; break;
+    case QVPosition::TopLeft:
+        target.x -= diagonal;
+        target.y += diagonal;
+        break;
     default: break;
     }
     if (!display)
@@ -148,13 +160,25 @@ QVPoint QVActionEngine::movedPoint(const QVCustomControlRepresentation &control,
     // Unconfined moves may cross onto a neighbour, never into the space between displays.
     if (!control.confinedToDisplay() && screenAtPosition(QVPosition::None, target, displays))
         return target;
-    return QVPointConfinedToRect(display->frame, target);
+    return QVPointConfinedToDisplayPixels(display->frame, target);
 }
 
 void QVActionEngine::click(bool rightButton)
 {
+    finishPendingClick(); // one button at a time, in the order the hot keys came
     if (!QVPostMouseButtonEvent(m_pointer, true, rightButton, true))
         return;
-    m_sleep(clickHoldMilliseconds);
+    // The button stays down a moment without blocking: key events that arrive
+    // meanwhile (a modifier let go, say) are handled in their order.
+    m_pendingClickIsRight = rightButton;
+    m_clickTimer.performAfterDelay(clickHoldSeconds, [this] { finishPendingClick(); });
+}
+
+void QVActionEngine::finishPendingClick()
+{
+    if (!m_pendingClickIsRight)
+        return;
+    m_clickTimer.cancelPreviousPerformRequests();
+    const bool rightButton = *std::exchange(m_pendingClickIsRight, std::nullopt);
     QVPostMouseButtonEvent(m_pointer, false, rightButton, true);
 }

@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
+namespace
+{
 
 double primaryHeight(const QVDisplayList &displays)
 {
@@ -19,7 +20,7 @@ bool isOneOf(qint64 position, std::initializer_list<qint64> codes)
 
 struct Distances {
     double forward; // how far the candidate reaches beyond the screen in the direction
-    double back;    // how far it lies the other way
+    double back; // how far it lies the other way
     bool overlaps;
 };
 
@@ -29,14 +30,11 @@ Distances distancesTo(const QVRect &s, const QVRect &d, qint64 position)
     // Sideways neighbours must share rows with the screen, vertical ones columns.
     const bool overlaps = sideways ? QVIntersectsRectOnAxis(false, d, s) : QVIntersectsRectOnAxis(true, d, s);
     switch (position) {
-    case QVPosition::Right:
-        return {d.maxX() - s.maxX(), s.x - d.x, overlaps};
-    case QVPosition::Left:
-        return {s.x - d.x, d.maxX() - s.maxX(), overlaps};
-    case QVPosition::Top:
-        return {d.maxY() - s.maxY(), s.y - d.y, overlaps};
+    case QVPosition::Right: return { d.maxX() - s.maxX(), s.x - d.x, overlaps };
+    case QVPosition::Left: return { s.x - d.x, d.maxX() - s.maxX(), overlaps };
+    case QVPosition::Top: return { d.maxY() - s.maxY(), s.y - d.y, overlaps };
     default: // bottom
-        return {s.y - d.y, d.maxY() - s.maxY(), overlaps};
+        return { s.y - d.y, d.maxY() - s.maxY(), overlaps };
     }
 }
 
@@ -44,7 +42,7 @@ Distances distancesTo(const QVRect &s, const QVRect &d, qint64 position)
 
 QVPoint QVGlobalCGPointFromNSPoint(const QVPoint &point, const QVDisplayList &displays)
 {
-    return {point.x, primaryHeight(displays) - point.y};
+    return { point.x, primaryHeight(displays) - point.y };
 }
 
 QVPoint QVGlobalNSPointFromCGPoint(const QVPoint &point, const QVDisplayList &displays)
@@ -54,7 +52,7 @@ QVPoint QVGlobalNSPointFromCGPoint(const QVPoint &point, const QVDisplayList &di
 
 QVRect QVGlobalCGRectFromNSRect(const QVRect &rect, const QVDisplayList &displays)
 {
-    return {rect.x, primaryHeight(displays) - rect.y - rect.height, rect.width, rect.height};
+    return { rect.x, primaryHeight(displays) - rect.y - rect.height, rect.width, rect.height };
 }
 
 QVRect QVGlobalNSRectFromCGRect(const QVRect &rect, const QVDisplayList &displays)
@@ -87,8 +85,8 @@ const QVDisplay *screenAtPosition(qint64 position, const QVPoint &location, cons
     return nullptr;
 }
 
-const QVDisplay *screenAtRelativePosition(const QVDisplay *screen, qint64 position, bool loop,
-                                          const QVDisplayList &displays)
+const QVDisplay *screenAtRelativePosition(
+    const QVDisplay *screen, qint64 position, bool loop, const QVDisplayList &displays)
 {
     if (position == QVPosition::None)
         return screen;
@@ -101,7 +99,7 @@ const QVDisplay *screenAtRelativePosition(const QVDisplay *screen, qint64 positi
     for (const QVDisplay &candidate : displays) {
         if (&candidate == screen)
             continue;
-        if (!isOneOf(position, {QVPosition::Top, QVPosition::Right, QVPosition::Bottom, QVPosition::Left}))
+        if (!isOneOf(position, { QVPosition::Top, QVPosition::Right, QVPosition::Bottom, QVPosition::Left }))
             return nullptr;
         const Distances distances = distancesTo(screen->frame, candidate.frame, position);
         if (!distances.overlaps)
@@ -137,7 +135,7 @@ QVRect QVInsetVisibleScreenRect(const QVDisplay *display, QVRect r, double inset
             r.height += gap;
         }
     }
-    return {r.x + inset, r.y + inset, r.width - 2.0 * inset, r.height - 2.0 * inset};
+    return { r.x + inset, r.y + inset, r.width - 2.0 * inset, r.height - 2.0 * inset };
 }
 
 QVRect QVCenteredRect(bool exact, const QVRect &inner, const QVRect &outer)
@@ -149,13 +147,24 @@ QVRect QVCenteredRect(bool exact, const QVRect &inner, const QVRect &outer)
     if (const double overhang = outer.y + outer.height - y - inner.height; overhang < 0.0)
         y += overhang;
     const double x = outer.x + std::trunc((outer.width - inner.width) * 0.5);
-    return {x, y, inner.width, inner.height};
+    return { x, y, inner.width, inner.height };
 }
 
 QVPoint QVPointConfinedToRect(const QVRect &rect, const QVPoint &point)
 {
-    return {point.x < rect.x ? rect.x : std::min(rect.maxX(), point.x),
-            point.y < rect.y ? rect.y : std::min(rect.maxY(), point.y)};
+    return { point.x < rect.x ? rect.x : std::min(rect.maxX(), point.x),
+        point.y < rect.y ? rect.y : std::min(rect.maxY(), point.y) };
+}
+
+QVPoint QVPointConfinedToDisplayPixels(const QVRect &frame, const QVPoint &point)
+{
+    QVPoint confined = QVPointConfinedToRect(frame, point);
+    if (frame.width >= 1.0 && confined.x > frame.maxX() - 1.0)
+        confined.x = frame.maxX() - 1.0;
+    // y grows upwards: the last row is the one just above the bottom edge.
+    if (frame.height >= 1.0 && confined.y < frame.y + 1.0)
+        confined.y = frame.y + 1.0;
+    return confined;
 }
 
 bool QVIntersectsRectOnAxis(bool horizontal, const QVRect &a, QVRect b)
@@ -189,30 +198,30 @@ bool QVIntegerIsInRange(qint64 value, qint64 a, qint64 b)
 
 bool QVCorvanePositionIncludesTop(qint64 position)
 {
-    return isOneOf(position, {QVPosition::Top, QVPosition::TopRight, QVPosition::TopLeft});
+    return isOneOf(position, { QVPosition::Top, QVPosition::TopRight, QVPosition::TopLeft });
 }
 
 bool QVCorvanePositionIncludesRight(qint64 position)
 {
-    return isOneOf(position, {QVPosition::TopRight, QVPosition::Right, QVPosition::BottomRight});
+    return isOneOf(position, { QVPosition::TopRight, QVPosition::Right, QVPosition::BottomRight });
 }
 
 bool QVCorvanePositionIncludesBottom(qint64 position)
 {
-    return isOneOf(position, {QVPosition::BottomRight, QVPosition::Bottom, QVPosition::BottomLeft});
+    return isOneOf(position, { QVPosition::BottomRight, QVPosition::Bottom, QVPosition::BottomLeft });
 }
 
 bool QVCorvanePositionIncludesLeft(qint64 position)
 {
-    return isOneOf(position, {QVPosition::BottomLeft, QVPosition::Left, QVPosition::TopLeft});
+    return isOneOf(position, { QVPosition::BottomLeft, QVPosition::Left, QVPosition::TopLeft });
 }
 
 bool QVCorvanePositionIncludesXCenter(qint64 position)
 {
-    return isOneOf(position, {QVPosition::Center, QVPosition::Top, QVPosition::Bottom});
+    return isOneOf(position, { QVPosition::Center, QVPosition::Top, QVPosition::Bottom });
 }
 
 bool QVCorvanePositionIncludesYCenter(qint64 position)
 {
-    return isOneOf(position, {QVPosition::Center, QVPosition::Right, QVPosition::Left});
+    return isOneOf(position, { QVPosition::Center, QVPosition::Right, QVPosition::Left });
 }

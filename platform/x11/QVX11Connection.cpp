@@ -8,8 +8,8 @@
 std::unique_ptr<QVX11Connection> QVX11Connection::open(const QByteArray &displayName, QString *error)
 {
     int screenNumber = 0;
-    xcb_connection_t *connection = xcb_connect(displayName.isEmpty() ? nullptr : displayName.constData(),
-                                               &screenNumber);
+    xcb_connection_t *connection
+        = xcb_connect(displayName.isEmpty() ? nullptr : displayName.constData(), &screenNumber);
     if (xcb_connection_has_error(connection)) {
         xcb_disconnect(connection);
         if (error)
@@ -23,9 +23,17 @@ std::unique_ptr<QVX11Connection> QVX11Connection::open(const QByteArray &display
 }
 
 QVX11Connection::QVX11Connection(xcb_connection_t *connection, xcb_screen_t *screen, int screenNumber)
-    : m_connection(connection), m_screen(screen), m_screenNumber(screenNumber)
+    : m_connection(connection)
+    , m_screen(screen)
+    , m_screenNumber(screenNumber)
 {
-    m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection), QSocketNotifier::Read);
+}
+
+void QVX11Connection::startWatching()
+{
+    if (m_notifier)
+        return;
+    m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &QVX11Connection::processEvents);
     // Replies read while waiting may bring events along that the socket will not
     // announce again: look for them whenever the loop is about to sleep.

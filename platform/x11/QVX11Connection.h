@@ -21,7 +21,9 @@ class QVX11Connection final : public QObject
 public:
     using Listener = std::function<void(const xcb_generic_event_t *)>;
 
-    // Nothing, with error set, when the display cannot be opened.
+    // Nothing, with error set, when the display cannot be opened. Needs no
+    // application object: opened before Qt's, it keeps a server that resets when
+    // its last client leaves from resetting while Qt connects.
     static std::unique_ptr<QVX11Connection> open(const QByteArray &displayName, QString *error);
     ~QVX11Connection() override;
 
@@ -33,6 +35,9 @@ public:
     void setListener(Listener listener) { m_listener = std::move(listener); }
     // Called once after each batch of events, for work that a burst should do once.
     void setBatchEndListener(std::function<void()> listener) { m_batchEnd = std::move(listener); }
+
+    // Reads events from here on; needs the application's event loop.
+    void startWatching();
 
     void flush();
     // Waits until the server has handled every request sent so far.

@@ -8,6 +8,21 @@
 #include <algorithm>
 #include <cmath>
 
+namespace
+{
+
+// A coordinate of any size, infinite ones included, lands far outside every monitor
+// without overflowing; constrainToMonitors then brings it onto the nearest one.
+int saturatedPixel(double coordinate, int origin)
+{
+    constexpr double farAway = 1 << 24;
+    if (std::isnan(coordinate))
+        return origin;
+    return int(std::floor(std::clamp(coordinate, -farAway, farAway))) + origin;
+}
+
+} // namespace
+
 QVX11Displays::QVX11Displays(QVX11Connection &connection)
     : m_connection(connection)
 {
@@ -103,8 +118,8 @@ QVPoint QVX11Displays::windowPointFromRoot(int column, int row) const
 
 void QVX11Displays::rootPixelFromGlobal(const QVPoint &global, int *column, int *row) const
 {
-    *column = int(std::floor(global.x)) + m_primaryX;
-    *row = int(std::floor(global.y)) + m_primaryY;
+    *column = saturatedPixel(global.x, m_primaryX);
+    *row = saturatedPixel(global.y, m_primaryY);
     constrainToMonitors(column, row);
 }
 

@@ -1,16 +1,17 @@
 #include "QVX11HotKeyGrabs.h"
 
 #include "QVHotKeyService.h"
+#include "QVLog.h"
 #include "QVModifierFlagBits.h"
 #include "QVX11Connection.h"
 #include "QVX11Displays.h"
 #include "QVX11Keyboard.h"
 #include "QVXcbReply.h"
-#include "QVLog.h"
 
 #include <QStringList>
 
-namespace {
+namespace
+{
 
 // The core modifier bits a grab can name.
 constexpr quint16 coreModifierMask = 0xff;
@@ -32,7 +33,9 @@ quint16 xModifiersFromCarbon(quint32 carbon)
 } // namespace
 
 QVX11HotKeyGrabs::QVX11HotKeyGrabs(QVX11Connection &connection, QVX11Keyboard &keyboard, QVX11Displays &displays)
-    : m_connection(connection), m_keyboard(keyboard), m_displays(displays)
+    : m_connection(connection)
+    , m_keyboard(keyboard)
+    , m_displays(displays)
 {
 }
 
@@ -46,7 +49,7 @@ QList<quint16> QVX11HotKeyGrabs::modifierVariants(const QVHotKeyRegistration &re
         ignored.append(m_keyboard.numLockMask());
     if (registration.capsLock == QVCapsLockRule::Ignored && !(base & XCB_MOD_MASK_LOCK))
         ignored.append(XCB_MOD_MASK_LOCK);
-    QList<quint16> variants{base};
+    QList<quint16> variants { base };
     for (const quint16 lock : ignored) {
         const qsizetype count = variants.size();
         for (qsizetype index = 0; index < count; ++index)
@@ -71,8 +74,8 @@ QString QVX11HotKeyGrabs::describe(const QVHotKeyRegistration &registration) con
     return parts.join(u'+');
 }
 
-std::optional<QVHotKeyService::Handle> QVX11HotKeyGrabs::registerHotKey(const QVHotKeyRegistration &registration,
-                                                                        QString *reason)
+std::optional<QVHotKeyService::Handle> QVX11HotKeyGrabs::registerHotKey(
+    const QVHotKeyRegistration &registration, QString *reason)
 {
     auto refuse = [reason](const QString &why) -> std::optional<QVHotKeyService::Handle> {
         if (reason)
@@ -84,7 +87,7 @@ std::optional<QVHotKeyService::Handle> QVX11HotKeyGrabs::registerHotKey(const QV
     if (registration.carbonModifiers & QVCarbonModifier::Function)
         return refuse(QStringLiteral("X has no Fn modifier to grab"));
 
-    const Registration entry{registration, modifierVariants(registration)};
+    const Registration entry { registration, modifierVariants(registration) };
     const QList<GrabKey> keys = grabKeys(entry);
     bool refused = false;
     const QList<GrabKey> newlyGrabbed = grab(keys, &refused);
@@ -103,7 +106,7 @@ QList<QVX11HotKeyGrabs::GrabKey> QVX11HotKeyGrabs::grabKeys(const Registration &
 {
     QList<GrabKey> keys;
     for (const quint16 variant : entry.modifierVariants)
-        keys.append({entry.keyCode(), variant});
+        keys.append({ entry.keyCode(), variant });
     return keys;
 }
 
@@ -113,8 +116,9 @@ QList<QVX11HotKeyGrabs::GrabKey> QVX11HotKeyGrabs::grab(const QList<GrabKey> &ke
     QList<QPair<GrabKey, xcb_void_cookie_t>> cookies;
     for (const GrabKey &key : keys)
         if (!m_grabs.contains(key))
-            cookies.append({key, xcb_grab_key_checked(c, 0, m_connection.root(), key.second, key.first,
-                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)});
+            cookies.append({ key,
+                xcb_grab_key_checked(
+                    c, 0, m_connection.root(), key.second, key.first, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC) });
     QList<GrabKey> grabbed;
     *refused = false;
     for (const auto &[key, cookie] : cookies) {
@@ -178,7 +182,7 @@ void QVX11HotKeyGrabs::regrabAll()
 
 QList<QVHotKeyService::Handle> QVX11HotKeyGrabs::handlesFor(xcb_keycode_t keyCode, quint16 state) const
 {
-    return m_grabs.value({keyCode, quint16(state & coreModifierMask)});
+    return m_grabs.value({ keyCode, quint16(state & coreModifierMask) });
 }
 
 bool QVX11HotKeyGrabs::handleKeyEvent(const xcb_key_press_event_t *event, bool press, const EventSink &sink)
@@ -197,8 +201,22 @@ bool QVX11HotKeyGrabs::handleKeyEvent(const xcb_key_press_event_t *event, bool p
             return false;
         handles = m_keysDown.take(keyCode);
     }
-    const quint64 flags = m_keyboard.modifierFlagsForState(event->state);
-    const QVPoint location = m_displays.windowPointFromRoot(event->root_x, event->root_y);
+    deliver(keyCode, handles, press, m_keyboard.modifierFlagsForState(event->state),
+        m_displays.windowPointFromRoot(event->root_x, event->root_y), sink);
+    return true;
+}
+
+bool QVX11HotKeyGrabs::handleUngrabbedRelease(xcb_keycode_t keyCode, const EventSink &sink)
+{
+    if (!m_keysDown.contains(keyCode))
+        return false;
+    deliver(keyCode, m_keysDown.take(keyCode), false, 0, {}, sink);
+    return true;
+}
+
+void QVX11HotKeyGrabs::deliver(xcb_keycode_t keyCode, const QList<QVHotKeyService::Handle> &handles, bool press,
+    quint64 flags, const QVPoint &location, const EventSink &sink)
+{
     // A release ends the repetition whichever registration it was: one event is enough.
     const qsizetype count = press ? handles.size() : 1;
     for (qsizetype index = 0; index < count; ++index) {
@@ -211,5 +229,4 @@ bool QVX11HotKeyGrabs::handleKeyEvent(const xcb_key_press_event_t *event, bool p
         hotKeyEvent->location = location;
         sink(hotKeyEvent);
     }
-    return true;
 }

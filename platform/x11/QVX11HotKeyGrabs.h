@@ -36,6 +36,9 @@ public:
     // False when the event is none of ours.
     bool handleKeyEvent(const xcb_key_press_event_t *event, bool press, const EventSink &sink);
     bool isKeyDown(xcb_keycode_t keyCode) const { return m_keysDown.contains(keyCode); }
+    // The release of a hot key's key seen without the grab (Corvane let go of the
+    // grab, or another client took the keyboard): it ends the hot key all the same.
+    bool handleUngrabbedRelease(xcb_keycode_t keyCode, const EventSink &sink);
 
 private:
     struct Registration {
@@ -51,6 +54,8 @@ private:
     QList<GrabKey> grab(const QList<GrabKey> &keys, bool *refused);
     void ungrab(const QList<GrabKey> &keys);
     QList<QVHotKeyService::Handle> handlesFor(xcb_keycode_t keyCode, quint16 state) const;
+    void deliver(xcb_keycode_t keyCode, const QList<QVHotKeyService::Handle> &handles, bool press, quint64 flags,
+        const QVPoint &location, const EventSink &sink);
 
     QVX11Connection &m_connection;
     QVX11Keyboard &m_keyboard;

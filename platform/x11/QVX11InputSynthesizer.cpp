@@ -89,18 +89,29 @@ void QVX11InputSynthesizer::restoreHeldModifiers()
     for (const xcb_keycode_t keyCode : std::as_const(m_releasedModifiers)) {
         if (!held.contains(keyCode))
             continue;
+        m_keyboard.expectPressEcho(keyCode);
         fakeInput(XCB_KEY_PRESS, keyCode);
         m_pressedAgain.insert(keyCode);
     }
     m_releasedModifiers.clear();
 }
 
-void QVX11InputSynthesizer::modifierReleased(xcb_keycode_t keyCode)
+void QVX11InputSynthesizer::modifierPressed(xcb_keycode_t keyCode)
 {
-    if (!m_pressedAgain.remove(keyCode))
+    // Down again by the user's own hand: pressing it once more would leave it
+    // down after the user lets go on another device.
+    m_releasedModifiers.remove(keyCode);
+}
+
+void QVX11InputSynthesizer::modifierReleased(xcb_keycode_t keyCode, bool sameDevice)
+{
+    m_releasedModifiers.remove(keyCode);
+    // On the same device the user's release was Corvane's too; a second one would
+    // let go of the key the user has since pressed again.
+    if (!m_pressedAgain.remove(keyCode) || sameDevice)
         return;
-    // Our press lives on the XTest device; the user's release may have come from
-    // another keyboard. Releasing it here is harmless when it is already up.
+    // Our press lives on the XTest device and the user let go on another keyboard:
+    // without this release the key would stay down.
     m_keyboard.expectReleaseEcho(keyCode);
     fakeInput(XCB_KEY_RELEASE, keyCode);
     m_connection.flush();

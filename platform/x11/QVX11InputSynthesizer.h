@@ -14,9 +14,11 @@ class QVX11Keyboard;
 
 // Pointer motion and buttons through XTest. A button from the private source
 // must not carry the modifiers that the user holds for the hot key: they are
-// released before the press and pressed again after the release. A key pressed
-// again that way is released again as soon as the user lets go of it, so that
-// none is left down whichever device held it.
+// released before the press, and after the release those the user still holds
+// then are pressed again. One the user lets go of meanwhile is never pressed
+// again; one the user presses meanwhile is down by the user's hand and left so.
+// A key pressed again is released again as soon as the user lets go of it, so
+// that none is left down whichever device held it.
 class QVX11InputSynthesizer final
 {
 public:
@@ -25,8 +27,11 @@ public:
     bool initialize();
     bool postMouseMoved(const QVPoint &globalPoint);
     bool postMouseButton(bool down, bool rightButton, bool usePrivateSource);
-    // The user let go of a modifier key.
-    void modifierReleased(xcb_keycode_t keyCode);
+    // The user pressed or let go of a modifier key.
+    void modifierPressed(xcb_keycode_t keyCode);
+    // sameDevice: the release came from the XTest keyboard that Corvane presses keys
+    // on, and so let go of Corvane's press as well.
+    void modifierReleased(xcb_keycode_t keyCode, bool sameDevice);
     // Whether an event the server sent after handling request `sequence` already
     // saw the effect of every motion posted so far.
     bool motionProcessedBefore(uint32_t sequence) const;
@@ -39,7 +44,7 @@ private:
     QVX11Connection &m_connection;
     QVX11Displays &m_displays;
     QVX11Keyboard &m_keyboard;
-    QSet<xcb_keycode_t> m_releasedModifiers; // during a click
+    QSet<xcb_keycode_t> m_releasedModifiers; // by us for a click, to press again after it
     QSet<xcb_keycode_t> m_pressedAgain; // by us, after a click
     std::optional<uint32_t> m_lastMotionSequence;
 };

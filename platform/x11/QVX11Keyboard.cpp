@@ -47,6 +47,16 @@ quint64 modifierOfSide(quint64 side)
     return Command;
 }
 
+bool consumeEcho(QHash<xcb_keycode_t, int> &expected, xcb_keycode_t keyCode)
+{
+    const auto echo = expected.find(keyCode);
+    if (echo == expected.end())
+        return false;
+    if (--*echo == 0)
+        expected.erase(echo);
+    return true;
+}
+
 } // namespace
 
 QVX11Keyboard::QVX11Keyboard(QVX11Connection &connection)
@@ -96,6 +106,7 @@ bool QVX11Keyboard::initialize(QString *error)
     xcb_xkb_select_events(c, XCB_XKB_ID_USE_CORE_KBD, events, 0, events, mapParts, mapParts, nullptr);
 
     selectRawEvents(false);
+    findXTestKeyboards();
     refreshMapping();
     seedHeldModifiers();
     return true;
@@ -110,6 +121,21 @@ void QVX11Keyboard::selectRawEvents(bool buttons)
         XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE
             | (buttons ? uint32_t(XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS) : 0u) };
     xcb_input_xi_select_events(m_connection.get(), m_connection.root(), 1, &raw.head);
+}
+
+void QVX11Keyboard::findXTestKeyboards()
+{
+    xcb_connection_t *c = m_connection.get();
+    QVXcbReply<xcb_input_xi_query_device_reply_t> devices(
+        xcb_input_xi_query_device_reply(c, xcb_input_xi_query_device(c, XCB_INPUT_DEVICE_ALL), nullptr));
+    if (!devices)
+        return;
+    for (auto it = xcb_input_xi_query_device_infos_iterator(devices.get()); it.rem;
+         xcb_input_xi_device_info_next(&it)) {
+        const QByteArray name(xcb_input_xi_device_info_name(it.data), xcb_input_xi_device_info_name_length(it.data));
+        if (it.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD && name.endsWith("XTEST keyboard"))
+            m_xtestKeyboards.insert(it.data->deviceid);
+    }
 }
 
 void QVX11Keyboard::setWatchesButtons(bool watches)
@@ -233,18 +259,24 @@ QVX11Keyboard::RawKey QVX11Keyboard::handleRawKeyEvent(const xcb_generic_event_t
     const bool press = generic->event_type == XCB_INPUT_RAW_KEY_PRESS;
     if (!press && generic->event_type != XCB_INPUT_RAW_KEY_RELEASE)
         return RawKey::NotRaw;
-    *keyCode = xcb_keycode_t(reinterpret_cast<const xcb_input_raw_key_press_event_t *>(event)->detail);
-    if (!m_modifierSides.contains(*keyCode))
+    const auto *raw = reinterpret_cast<const xcb_input_raw_key_press_event_t *>(event);
+    *keyCode = xcb_keycode_t(raw->detail);
+    return trackKey(*keyCode, press, m_xtestKeyboards.isEmpty() || m_xtestKeyboards.contains(raw->sourceid));
+}
+
+QVX11Keyboard::RawKey QVX11Keyboard::trackKey(xcb_keycode_t keyCode, bool press, bool fromXTest)
+{
+    if (!m_modifierSides.contains(keyCode))
+        return press ? RawKey::Other : RawKey::KeyReleased;
+    m_lastFromXTest = fromXTest;
+    // Echoes are counted, not matched: the user's event and ours on the same key
+    // are alike, and either order leaves the same count of each.
+    if (consumeEcho(press ? m_expectedPressEchoes : m_expectedReleaseEchoes, keyCode))
         return RawKey::Other;
     if (press) {
-        m_heldModifiers.insert(*keyCode);
-        return RawKey::Other;
+        m_heldModifiers.insert(keyCode);
+        return RawKey::ModifierPressed;
     }
-    if (auto echo = m_expectedReleaseEchoes.find(*keyCode); echo != m_expectedReleaseEchoes.end()) {
-        if (--*echo == 0)
-            m_expectedReleaseEchoes.erase(echo);
-        return RawKey::Other; // our own release: the user still holds the key
-    }
-    m_heldModifiers.remove(*keyCode);
+    m_heldModifiers.remove(keyCode);
     return RawKey::ModifierReleased;
 }

@@ -14,8 +14,9 @@
 class QVX11Connection;
 
 // The keyboard as Corvane needs it: which keys are modifiers and on which side,
-// which modifier keys are held right now (told by XInput 2 raw key events, which
-// arrive whatever grabs are active), the NumLock mask and the repeat timing.
+// which modifier keys are held right now (told by XInput 2 raw key events, and by
+// core key events while Corvane grabs the keyboard), the NumLock mask and the
+// repeat timing.
 class QVX11Keyboard final
 {
 public:
@@ -48,25 +49,40 @@ public:
     enum class RawKey {
         NotRaw, // some other event
         Other, // a raw key event of no interest
+        KeyReleased, // another key was let go
+        ModifierPressed, // the user pressed a modifier key
         ModifierReleased, // the user let go of a modifier key
         ButtonPressed, // a mouse button went down anywhere (only while watched)
     };
     // Follows XInput 2 raw key events to know which modifier keys are held.
     RawKey handleRawKeyEvent(const xcb_generic_event_t *event, xcb_keycode_t *keyCode);
+    // Follows a key event of any source. The server gives the raw events of the
+    // master keyboard to every client but the one grabbing it: while a grab of
+    // Corvane's is active (a hot key held, the overlay up), its core key events
+    // are what tells which modifier keys are held, each event reaching Corvane
+    // one way only.
+    // fromXTest: the event came from an XTest keyboard, the device Corvane's own key
+    // events come from (core events do not say, and count as such).
+    RawKey trackKey(xcb_keycode_t keyCode, bool press, bool fromXTest = true);
+    // Where the last modifier key event tracked came from.
+    bool lastModifierEventFromXTest() const { return m_lastFromXTest; }
     // Also reports button presses, to notice a click elsewhere while the keyboard is taken.
     void setWatchesButtons(bool watches);
     // Modifier keys held now, by any device.
     QSet<xcb_keycode_t> heldModifierKeys() const { return m_heldModifiers; }
 
-    // A release that Corvane itself sends: its echo, which may arrive much
-    // later, must not count as the user's.
+    // A release or press that Corvane itself sends: its echo, which may arrive
+    // much later, must not count as the user's. Every release has one, and so
+    // does a press of a key that is up (the only keys Corvane presses).
     void expectReleaseEcho(xcb_keycode_t keyCode) { ++m_expectedReleaseEchoes[keyCode]; }
+    void expectPressEcho(xcb_keycode_t keyCode) { ++m_expectedPressEchoes[keyCode]; }
 
 private:
     void readModifierSides();
     void readNumLockMask();
     void seedHeldModifiers();
     void selectRawEvents(bool buttons);
+    void findXTestKeyboards();
 
     QVX11Connection &m_connection;
     xcb_key_symbols_t *m_symbols = nullptr;
@@ -79,5 +95,8 @@ private:
     QHash<xcb_keycode_t, quint64> m_modifierSides; // key code -> side flag
     QSet<xcb_keycode_t> m_heldModifiers;
     QHash<xcb_keycode_t, int> m_expectedReleaseEchoes;
+    QHash<xcb_keycode_t, int> m_expectedPressEchoes;
+    QSet<quint16> m_xtestKeyboards; // device ids
+    bool m_lastFromXTest = true;
     mutable std::optional<QVKeyboardService::RepeatThresholds> m_repeatThresholds;
 };

@@ -21,11 +21,8 @@ constexpr int keyboardGrabAttempts = 20;
 constexpr int keyboardGrabRetryMilliseconds = 5;
 } // namespace
 
-std::unique_ptr<QVX11Platform> QVX11Platform::open(const QByteArray &displayName, QString *error)
+std::unique_ptr<QVX11Platform> QVX11Platform::open(std::unique_ptr<QVX11Connection> connection, QString *error)
 {
-    std::unique_ptr<QVX11Connection> connection = QVX11Connection::open(displayName, error);
-    if (!connection)
-        return nullptr;
     std::unique_ptr<QVX11Platform> platform(new QVX11Platform(std::move(connection)));
     if (!platform->initialize(error))
         return nullptr;
@@ -60,6 +57,7 @@ bool QVX11Platform::initialize(QString *error)
         if (m_mappingChanged)
             applyMappingChange();
     });
+    m_connection->startWatching();
     m_connection->flush();
     return true;
 }
@@ -96,6 +94,11 @@ bool QVX11Platform::postMouseMoved(const QVPoint &globalPoint)
 
 bool QVX11Platform::postMouseButton(bool down, bool rightButton, bool usePrivateSource)
 {
+    // While a hot key's passive grab is active the server keeps the raw key events
+    // from Corvane, and a modifier let go during the click would go unseen: the
+    // grab ends here. Its key's release then comes as a raw event.
+    if (down && usePrivateSource && !m_keyboardTaken)
+        xcb_ungrab_keyboard(m_connection->get(), XCB_CURRENT_TIME);
     return m_synthesizer->postMouseButton(down, rightButton, usePrivateSource);
 }
 
@@ -189,8 +192,12 @@ void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
     default: break;
     }
     xcb_keycode_t keyCode = 0;
-    switch (m_keyboard->handleRawKeyEvent(event, &keyCode)) {
-    case QVX11Keyboard::RawKey::ModifierReleased: m_synthesizer->modifierReleased(keyCode); return;
+    switch (const QVX11Keyboard::RawKey raw = m_keyboard->handleRawKeyEvent(event, &keyCode)) {
+    case QVX11Keyboard::RawKey::ModifierPressed:
+    case QVX11Keyboard::RawKey::ModifierReleased: modifierKeyChanged(raw, keyCode); return;
+    case QVX11Keyboard::RawKey::KeyReleased:
+        m_grabs->handleUngrabbedRelease(keyCode, [this](const QVEventRef &release) { deliver(release); });
+        return;
     case QVX11Keyboard::RawKey::ButtonPressed:
         if (m_keyboardTaken && m_handler) {
             // A click elsewhere: whoever has the keyboard should let it go.
@@ -215,13 +222,26 @@ void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
     }
 }
 
+void QVX11Platform::deliver(const QVEventRef &event)
+{
+    if (m_handler)
+        m_handler(event);
+}
+
+void QVX11Platform::modifierKeyChanged(QVX11Keyboard::RawKey change, xcb_keycode_t keyCode)
+{
+    if (change == QVX11Keyboard::RawKey::ModifierPressed)
+        m_synthesizer->modifierPressed(keyCode);
+    else if (change == QVX11Keyboard::RawKey::ModifierReleased)
+        m_synthesizer->modifierReleased(keyCode, m_keyboard->lastModifierEventFromXTest());
+}
+
 void QVX11Platform::handleKey(const xcb_generic_event_t *event, bool press)
 {
     const auto *key = reinterpret_cast<const xcb_key_press_event_t *>(event);
-    const auto deliver = [this](const QVEventRef &delivered) {
-        if (m_handler)
-            m_handler(delivered);
-    };
+    // Key events reach Corvane only while it grabs the keyboard, when it gets no raw events.
+    modifierKeyChanged(m_keyboard->trackKey(key->detail, press), key->detail);
+    const auto sink = [this](const QVEventRef &delivered) { deliver(delivered); };
     // The event tells where the pointer was at the press: unless a motion of ours
     // was still on its way then, the action needs no pointer query.
     if (m_synthesizer->motionProcessedBefore(event->full_sequence))
@@ -229,7 +249,7 @@ void QVX11Platform::handleKey(const xcb_generic_event_t *event, bool press)
     const auto clearHint = qScopeGuard([this] { m_displays->setPointerHint(std::nullopt); });
     // A hot key's own release always ends its repetition, even while the keyboard is taken.
     if (!press || !m_keyboardTaken) {
-        if (m_grabs->handleKeyEvent(key, press, deliver) || !m_keyboardTaken)
+        if (m_grabs->handleKeyEvent(key, press, sink) || !m_keyboardTaken)
             return;
     }
     if (!press)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QVPlatform.h"
+#include "QVX11Keyboard.h"
 
 #include <memory>
 
@@ -8,15 +9,14 @@ class QVX11Connection;
 class QVX11Displays;
 class QVX11HotKeyGrabs;
 class QVX11InputSynthesizer;
-class QVX11Keyboard;
 #include <xcb/xcb.h>
 
 // The X11 back end of the platform port, on a connection of its own.
 class QVX11Platform final : public QVPlatform
 {
 public:
-    // Nothing, with error set, when the display or an extension it needs is missing.
-    static std::unique_ptr<QVX11Platform> open(const QByteArray &displayName, QString *error);
+    // Nothing, with error set, when an extension it needs is missing.
+    static std::unique_ptr<QVX11Platform> open(std::unique_ptr<QVX11Connection> connection, QString *error);
     ~QVX11Platform() override;
 
     QVDisplayList displays() const override;
@@ -39,6 +39,8 @@ private:
     bool initialize(QString *error);
     void handleEvent(const xcb_generic_event_t *event);
     void handleKey(const xcb_generic_event_t *event, bool press);
+    void modifierKeyChanged(QVX11Keyboard::RawKey change, xcb_keycode_t keyCode);
+    void deliver(const QVEventRef &event);
     void applyMappingChange();
 
     std::unique_ptr<QVX11Connection> m_connection;

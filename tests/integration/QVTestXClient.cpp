@@ -8,6 +8,7 @@
 #include <memory>
 
 #include <xcb/shape.h>
+#include <xcb/xcb_keysyms.h>
 #include <xcb/xtest.h>
 
 namespace
@@ -61,6 +62,16 @@ void QVTestXClient::tap(xcb_keycode_t key, const QList<xcb_keycode_t> &modifiers
     keyUp(key);
     for (auto it = modifiers.crbegin(); it != modifiers.crend(); ++it)
         keyUp(*it);
+}
+
+xcb_keycode_t QVTestXClient::keyCodeForSymbol(xcb_keysym_t symbol)
+{
+    xcb_key_symbols_t *symbols = xcb_key_symbols_alloc(m_connection);
+    xcb_keycode_t *codes = xcb_key_symbols_get_keycode(symbols, symbol);
+    const xcb_keycode_t code = codes ? codes[0] : 0;
+    std::free(codes);
+    xcb_key_symbols_free(symbols);
+    return code == XCB_NO_SYMBOL ? 0 : code;
 }
 
 void QVTestXClient::tapQuickly(xcb_keycode_t key)

@@ -47,6 +47,9 @@ public:
     void keyUp(xcb_keycode_t key);
     // Presses the modifiers, taps the key, releases the modifiers.
     void tap(xcb_keycode_t key, const QList<xcb_keycode_t> &modifiers = {});
+    // The first key code that types the key symbol (XK_Control_R ...), or 0: the
+    // key codes of modifiers differ between the evdev and the xfree86 key maps.
+    xcb_keycode_t keyCodeForSymbol(xcb_keysym_t symbol);
     // Presses and releases the key without waiting for the server in between.
     void tapQuickly(xcb_keycode_t key);
 

@@ -8,7 +8,8 @@
 
 #include <xcb/xcb.h>
 
-namespace {
+namespace
+{
 
 constexpr int startDeadlineMilliseconds = 20000;
 
@@ -43,9 +44,9 @@ EndSection
 
 QList<QVTestXServer::Monitor> QVTestXServer::threeMonitors()
 {
-    return {{QStringLiteral("P"), QRect(1280, 0, 1920, 1080), true},
-            {QStringLiteral("L"), QRect(0, 280, 1280, 800), false},
-            {QStringLiteral("R"), QRect(3200, 100, 960, 600), false}};
+    return { { QStringLiteral("P"), QRect(1280, 0, 1920, 1080), true },
+        { QStringLiteral("L"), QRect(0, 280, 1280, 800), false },
+        { QStringLiteral("R"), QRect(3200, 100, 960, 600), false } };
 }
 
 int QVTestXServer::freeDisplayNumber()
@@ -60,22 +61,23 @@ int QVTestXServer::freeDisplayNumber()
     return 0;
 }
 
-std::unique_ptr<QVTestXServer> QVTestXServer::startXvfb(int width, int height, QString *error)
+std::unique_ptr<QVTestXServer> QVTestXServer::startXvfb(int width, int height, QString *error, bool resets)
 {
     std::unique_ptr<QVTestXServer> server(new QVTestXServer);
     server->m_number = freeDisplayNumber();
     server->m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    server->m_process.start(QStringLiteral("Xvfb"),
-                            {server->displayName(), QStringLiteral("-screen"), QStringLiteral("0"),
-                             QStringLiteral("%1x%2x24").arg(width).arg(height), QStringLiteral("-nolisten"),
-                             QStringLiteral("tcp"), QStringLiteral("-noreset")});
+    QStringList arguments { server->displayName(), QStringLiteral("-screen"), QStringLiteral("0"),
+        QStringLiteral("%1x%2x24").arg(width).arg(height), QStringLiteral("-nolisten"), QStringLiteral("tcp") };
+    if (!resets)
+        arguments.append(QStringLiteral("-noreset"));
+    server->m_process.start(QStringLiteral("Xvfb"), arguments);
     if (!server->waitUntilReady(error))
         return nullptr;
     return server;
 }
 
-std::unique_ptr<QVTestXServer> QVTestXServer::startXorg(int width, int height, const QList<Monitor> &monitors,
-                                                        QString *error)
+std::unique_ptr<QVTestXServer> QVTestXServer::startXorg(
+    int width, int height, const QList<Monitor> &monitors, QString *error)
 {
     std::unique_ptr<QVTestXServer> server(new QVTestXServer);
     server->m_number = freeDisplayNumber();
@@ -99,9 +101,9 @@ std::unique_ptr<QVTestXServer> QVTestXServer::startXorg(int width, int height, c
     server->m_process.setStandardOutputFile(QProcess::nullDevice());
     server->m_process.setStandardErrorFile(server->temporaryPath(QStringLiteral("xorg.stderr")));
     server->m_process.start(QStringLiteral("Xorg"),
-                            {server->displayName(), QStringLiteral("-noreset"), QStringLiteral("-nolisten"),
-                             QStringLiteral("tcp"), QStringLiteral("-config"), configPath,
-                             QStringLiteral("-logfile"), server->temporaryPath(QStringLiteral("xorg.log"))});
+        { server->displayName(), QStringLiteral("-noreset"), QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+            QStringLiteral("-config"), configPath, QStringLiteral("-logfile"),
+            server->temporaryPath(QStringLiteral("xorg.log")) });
     if (!server->waitUntilReady(error))
         return nullptr;
     bool first = true;
@@ -115,9 +117,10 @@ std::unique_ptr<QVTestXServer> QVTestXServer::startXorg(int width, int height, c
                                      .arg(r.x())
                                      .arg(r.y());
         const QString name = (monitor.primary ? QStringLiteral("*") : QString()) + monitor.name;
-        if (server->run(QStringLiteral("xrandr"),
-                        {QStringLiteral("--setmonitor"), name, geometry,
-                         first ? QStringLiteral("DUMMY0") : QStringLiteral("none")})
+        if (server
+                ->run(QStringLiteral("xrandr"),
+                    { QStringLiteral("--setmonitor"), name, geometry,
+                        first ? QStringLiteral("DUMMY0") : QStringLiteral("none") })
                 .isNull()) {
             *error = QStringLiteral("xrandr --setmonitor %1 failed").arg(name);
             return nullptr;

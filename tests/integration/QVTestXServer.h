@@ -23,11 +23,12 @@ public:
     // the primary P 1920x1080 at (1280,0), R 960x600 at (3200,100).
     static QList<Monitor> threeMonitors();
 
-    // One screen of the given size.
-    static std::unique_ptr<QVTestXServer> startXvfb(int width, int height, QString *error);
+    // One screen of the given size. A server that resets starts afresh whenever its
+    // last client leaves, as a display manager's server does.
+    static std::unique_ptr<QVTestXServer> startXvfb(int width, int height, QString *error, bool resets = false);
     // Xorg with the dummy driver and RandR monitors carved out of one large screen.
-    static std::unique_ptr<QVTestXServer> startXorg(int width, int height, const QList<Monitor> &monitors,
-                                                    QString *error);
+    static std::unique_ptr<QVTestXServer> startXorg(
+        int width, int height, const QList<Monitor> &monitors, QString *error);
     ~QVTestXServer();
 
     QString displayName() const { return QStringLiteral(":%1").arg(m_number); }

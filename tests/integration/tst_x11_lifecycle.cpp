@@ -22,6 +22,7 @@ private Q_SLOTS:
     void quitSignalsSave();
     void firstLaunchWritesAnEmptyList();
     void brokenFileIsMovedAsideAndKept();
+    void startsOnAServerThatResets();
 
 private:
     static QProcess *run(const QStringList &arguments, const QProcessEnvironment &environment);
@@ -49,13 +50,13 @@ void TestX11Lifecycle::helpAndVersionNeedNoDisplay()
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("DISPLAY"));
-    std::unique_ptr<QProcess> help(run({QStringLiteral("--help")}, environment));
+    std::unique_ptr<QProcess> help(run({ QStringLiteral("--help") }, environment));
     QCOMPARE(help->exitCode(), 0);
     QVERIFY(help->readAllStandardOutput().contains("--settings FILE"));
-    std::unique_ptr<QProcess> version(run({QStringLiteral("--version")}, environment));
+    std::unique_ptr<QProcess> version(run({ QStringLiteral("--version") }, environment));
     QCOMPARE(version->exitCode(), 0);
     QVERIFY(version->readAllStandardOutput().startsWith("corvane "));
-    std::unique_ptr<QProcess> wrong(run({QStringLiteral("--frobnicate")}, environment));
+    std::unique_ptr<QProcess> wrong(run({ QStringLiteral("--frobnicate") }, environment));
     QCOMPARE(wrong->exitCode(), 2);
 }
 
@@ -105,9 +106,9 @@ void TestX11Lifecycle::quitSignalsSave()
     // A control stored with only its action: everything else takes defaults,
     // and it gets an identifier that the save keeps.
     const QString path = m_server->temporaryPath(QStringLiteral("signal-%1.json").arg(signalNumber));
-    QVCorvaneProcess::writeSettings(path, {{QStringLiteral("Custom Controls"),
-                                            QJsonArray{QJsonObject{{QStringLiteral("Action"), 21}}}},
-                                           {QStringLiteral("Application Mode"), 1}});
+    QVCorvaneProcess::writeSettings(path,
+        { { QStringLiteral("Custom Controls"), QJsonArray { QJsonObject { { QStringLiteral("Action"), 21 } } } },
+            { QStringLiteral("Application Mode"), 1 } });
     QVCorvaneProcess corvane(m_server->displayName(), path);
     QVERIFY2(corvane.start(), qPrintable(corvane.log()));
     QCOMPARE(corvane.stop(signalNumber), 0);
@@ -150,7 +151,7 @@ void TestX11Lifecycle::brokenFileIsMovedAsideAndKept()
     QVERIFY2(corvane.start(), qPrintable(corvane.log()));
     QCOMPARE(corvane.stop(SIGTERM), 0);
 
-    const QStringList aside = directory.entryList({QStringLiteral("settings.json.broken-*")});
+    const QStringList aside = directory.entryList({ QStringLiteral("settings.json.broken-*") });
     QCOMPARE(aside.size(), 1);
     QFile kept(directory.filePath(aside.first()));
     QVERIFY(kept.open(QIODevice::ReadOnly));
@@ -158,6 +159,25 @@ void TestX11Lifecycle::brokenFileIsMovedAsideAndKept()
     QCOMPARE(corvane.log().count(QLatin1String("cannot be read")), 1);
     QVERIFY(corvane.log().contains(aside.first()));
     QVERIFY(QVCorvaneProcess::readSettings(path).value(QStringLiteral("Custom Controls")).isArray());
+}
+
+void TestX11Lifecycle::startsOnAServerThatResets()
+{
+    // Corvane is the server's only client at every start and the server resets each time it
+    // leaves: a connection opened and closed before Qt's own would leave Qt connecting to a
+    // server in the middle of its reset.
+    QString error;
+    const std::unique_ptr<QVTestXServer> server = QVTestXServer::startXvfb(640, 480, &error, true);
+    QVERIFY2(server, qPrintable(error));
+    const QString path = server->temporaryPath(QStringLiteral("resets.json"));
+    constexpr int starts = 40;
+    for (int start = 0; start < starts; ++start) {
+        QVCorvaneProcess corvane(server->displayName(), path);
+        const bool started = corvane.start();
+        const QString log = corvane.log();
+        QVERIFY2(started, qPrintable(QStringLiteral("start %1: %2").arg(start).arg(log)));
+        QCOMPARE(corvane.stop(SIGTERM), 0);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestX11Lifecycle)

@@ -10,7 +10,7 @@ inline QVDisplayList QVFakeDisplays(const QList<QVRect> &frames)
 {
     QVDisplayList displays;
     for (const QVRect &frame : frames)
-        displays.append({frame, frame, {}});
+        displays.append({ frame, frame, {} });
     return displays;
 }
 
@@ -22,7 +22,11 @@ public:
     QVDisplayList displays() const override { return displayList; }
     QVPoint mouseLocation() const override { return pointer; }
     bool postMouseMoved(const QVPoint &globalPoint) override { return postedMoves.append(globalPoint), true; }
-    bool postMouseButton(bool, bool, bool) override { return ++buttonEvents, true; }
+    bool postMouseButton(bool down, bool right, bool) override
+    {
+        buttons.append({ down, right });
+        return ++buttonEvents, true;
+    }
     // Handles count up from 1; combinations in refused are turned down.
     std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason) override
     {
@@ -38,17 +42,18 @@ public:
     void unregisterHotKey(Handle handle) override { activeHotKeys.remove(handle); }
     RepeatThresholds keyRepeatThresholds() const override { return thresholds; }
     bool takeKeyboard() override { return true; }
-    void releaseKeyboard() override {}
-    void setEventHandler(EventHandler) override {}
-    void beep() override {}
+    void releaseKeyboard() override { }
+    void setEventHandler(EventHandler) override { }
+    void beep() override { }
     bool isCompositingManagerRunning() const override { return true; }
 
     QVDisplayList displayList;
     QVPoint pointer;
-    RepeatThresholds thresholds{15, 2};
+    RepeatThresholds thresholds { 15, 2 };
     QList<QPair<quint16, quint32>> refused; // key code, carbon modifiers
-    QList<QVPoint> postedMoves;             // global coordinates
+    QList<QVPoint> postedMoves; // global coordinates
     int buttonEvents = 0;
+    QList<QPair<bool, bool>> buttons; // (down, right button), in order
     QList<QVHotKeyRegistration> registrationRequests; // refused ones included
     QMap<Handle, QVHotKeyRegistration> activeHotKeys;
 
