@@ -14,6 +14,13 @@ cmake_files=$(git ls-files '*CMakeLists.txt' '*.cmake' 2>/dev/null || find . -na
 sources=$(git ls-files '*.cpp' '*.h' 2>/dev/null || find . -name '*.cpp' -o -name '*.h')
 
 # --- the closure of the plain list over installed packages' dependencies -------------------------
+# One query for every installed package's dependencies, then a walk from the plain list.
+declare -A dependencies=()
+# Alternatives ("a | b") count each; versions and architectures are dropped.
+while IFS=$'\t' read -r package depends; do
+    dependencies[$package]=$depends
+done < <(dpkg-query -W -f='${Package}\t${Depends}, ${Pre-Depends}, ${Provides}\n' |
+    sed -e 's/([^)]*)//g' -e 's/[|,]/ /g' -e 's/:[a-z0-9]*//g')
 declare -A reachable=()
 queue=("${plain[@]}")
 while ((${#queue[@]})); do
@@ -21,50 +28,30 @@ while ((${#queue[@]})); do
     queue=("${queue[@]:1}")
     [[ -n ${reachable[$package]:-} ]] && continue
     reachable[$package]=1
-    depends=$(dpkg-query -W -f='${Depends}, ${Pre-Depends}, ${Provides}' "$package" 2>/dev/null || true)
-    # Alternatives ("a | b") count each; versions and architectures are dropped.
-    for next in $(sed -e 's/([^)]*)//g' -e 's/[|,]/ /g' -e 's/:[a-z0-9]*//g' <<<"$depends"); do
+    for next in ${dependencies[$package]:-}; do
         [[ -z ${reachable[$next]:-} ]] && queue+=("$next")
     done
 done
 
-failures=0
-owner_of() { dpkg -S "$1" 2>/dev/null | head -1 | cut -d: -f1 | cut -d, -f1; }
-require() { # what file
-    local owner
-    owner=$(owner_of "$(readlink -f "$2")")
-    [[ -n $owner ]] || owner=$(owner_of "$2")
-    if [[ -z $owner ]]; then
-        echo "FAIL: $1: no installed package owns $2"
-        failures=$((failures + 1))
-    elif [[ -z ${reachable[$owner]:-} ]]; then
-        echo "FAIL: $1 comes from package $owner, which scripts/install-deps.sh does not install without --tests"
-        failures=$((failures + 1))
-    else
-        echo "ok: $1 ($owner)"
-    fi
-}
+# --- the build inputs, each with the file that stands for it ("" when not installed) -------------
+inputs=() # "what<TAB>file"
+add_input() { inputs+=("$1"$'\t'"$2"); }
 
 # --- pkg-config modules -----------------------------------------------------------------------------
 modules=$(cat $cmake_files | tr '\n' ' ' | grep -o 'pkg_check_modules([^)]*)' | sed 's/pkg_check_modules(//; s/)//' |
     tr ' \t' '\n\n' | grep -v -e '^$' -e REQUIRED -e IMPORTED_TARGET -e QUIET -e '^[A-Z0-9_]*$' | sort -u)
 for module in $modules; do
     directory=$(pkg-config --variable=pcfiledir "$module" 2>/dev/null || true)
-    if [[ -z $directory ]]; then
-        echo "FAIL: pkg-config module $module is not installed"
-        failures=$((failures + 1))
-        continue
-    fi
-    require "pkg-config module $module" "$directory/$module.pc"
+    add_input "pkg-config module $module" "${directory:+$directory/$module.pc}"
 done
-grep -q 'find_package(PkgConfig' $cmake_files && require "pkg-config" "$(command -v pkg-config)"
+grep -q 'find_package(PkgConfig' $cmake_files && add_input "pkg-config" "$(command -v pkg-config || true)"
 
 # --- Qt components ----------------------------------------------------------------------------------
 components=$(grep -ho 'find_package(Qt6[^)]*COMPONENTS[^)]*)' $cmake_files | sed 's/.*COMPONENTS//; s/)//' | tr ' ' '\n' |
     grep -v '^$' | sort -u)
 qt_cmake_dir=$(dirname "$(dpkg -L qt6-base-dev | grep '/cmake/Qt6/Qt6Config.cmake$' | head -1)")/..
 for component in $components; do
-    require "Qt6 component $component" "$qt_cmake_dir/Qt6$component/Qt6${component}Config.cmake"
+    add_input "Qt6 component $component" "$qt_cmake_dir/Qt6$component/Qt6${component}Config.cmake"
 done
 
 # --- system headers ---------------------------------------------------------------------------------
@@ -75,12 +62,40 @@ for header in $headers; do
     for directory in "${include_dirs[@]}"; do
         [[ -e $directory/$header ]] && { found=$directory/$header; break; }
     done
-    if [[ -z $found ]]; then
-        echo "FAIL: header <$header> is not installed"
-        failures=$((failures + 1))
+    add_input "header <$header>" "$found"
+done
+
+# --- each input's owner, asked of dpkg once for all ----------------------------------------------
+declare -A owners=()
+paths=()
+for input in "${inputs[@]}"; do
+    file=${input#*$'\t'}
+    [[ -n $file && -e $file ]] && paths+=("$file" "$(readlink -f "$file")")
+done
+while IFS= read -r line; do
+    owner=${line%%: *}
+    owners[${line#*: }]=${owner%%[:,]*}
+done < <(dpkg -S "${paths[@]}" 2>/dev/null || true)
+
+failures=0
+for input in "${inputs[@]}"; do
+    what=${input%%$'\t'*}
+    file=${input#*$'\t'}
+    owner=
+    if [[ -n $file && -e $file ]]; then
+        owner=${owners[$file]:-${owners[$(readlink -f "$file")]:-}}
+    fi
+    if [[ -z $file || ! -e $file ]]; then
+        echo "FAIL: $what is not installed"
+    elif [[ -z $owner ]]; then
+        echo "FAIL: $what: no installed package owns $file"
+    elif [[ -z ${reachable[$owner]:-} ]]; then
+        echo "FAIL: $what comes from package $owner, which scripts/install-deps.sh does not install without --tests"
+    else
+        echo "ok: $what ($owner)"
         continue
     fi
-    require "header <$header>" "$found"
+    failures=$((failures + 1))
 done
 
 echo
