@@ -247,36 +247,35 @@ QVKeyboardService::RepeatThresholds QVX11Keyboard::repeatThresholds() const
     return *m_repeatThresholds;
 }
 
-QVX11Keyboard::RawKey QVX11Keyboard::handleRawKeyEvent(const xcb_generic_event_t *event, xcb_keycode_t *keyCode)
+QVX11Keyboard::KeyChange QVX11Keyboard::handleRawKeyEvent(const xcb_generic_event_t *event)
 {
     if ((event->response_type & 0x7f) != XCB_GE_GENERIC)
-        return RawKey::NotRaw;
+        return {};
     const auto *generic = reinterpret_cast<const xcb_ge_generic_event_t *>(event);
     if (generic->extension != m_xinputOpcode)
-        return RawKey::NotRaw;
+        return {};
     if (generic->event_type == XCB_INPUT_RAW_BUTTON_PRESS)
-        return RawKey::ButtonPressed;
+        return { KeyKind::ButtonPressed };
     const bool press = generic->event_type == XCB_INPUT_RAW_KEY_PRESS;
     if (!press && generic->event_type != XCB_INPUT_RAW_KEY_RELEASE)
-        return RawKey::NotRaw;
+        return {};
     const auto *raw = reinterpret_cast<const xcb_input_raw_key_press_event_t *>(event);
-    *keyCode = xcb_keycode_t(raw->detail);
-    return trackKey(*keyCode, press, m_xtestKeyboards.isEmpty() || m_xtestKeyboards.contains(raw->sourceid));
+    return trackKey(
+        xcb_keycode_t(raw->detail), press, m_xtestKeyboards.isEmpty() || m_xtestKeyboards.contains(raw->sourceid));
 }
 
-QVX11Keyboard::RawKey QVX11Keyboard::trackKey(xcb_keycode_t keyCode, bool press, bool fromXTest)
+QVX11Keyboard::KeyChange QVX11Keyboard::trackKey(xcb_keycode_t keyCode, bool press, bool fromXTest)
 {
     if (!m_modifierSides.contains(keyCode))
-        return press ? RawKey::Other : RawKey::KeyReleased;
-    m_lastFromXTest = fromXTest;
+        return { press ? KeyKind::Other : KeyKind::KeyReleased, keyCode, fromXTest };
     // Echoes are counted, not matched: the user's event and ours on the same key
     // are alike, and either order leaves the same count of each.
     if (consumeEcho(press ? m_expectedPressEchoes : m_expectedReleaseEchoes, keyCode))
-        return RawKey::Other;
+        return { KeyKind::Other, keyCode, fromXTest };
     if (press) {
         m_heldModifiers.insert(keyCode);
-        return RawKey::ModifierPressed;
+        return { KeyKind::ModifierPressed, keyCode, fromXTest };
     }
     m_heldModifiers.remove(keyCode);
-    return RawKey::ModifierReleased;
+    return { KeyKind::ModifierReleased, keyCode, fromXTest };
 }

@@ -46,26 +46,29 @@ public:
     QVKeyboardService::RepeatThresholds repeatThresholds() const;
     void forgetRepeatThresholds() { m_repeatThresholds.reset(); }
 
-    enum class RawKey {
+    enum class KeyKind {
         NotRaw, // some other event
-        Other, // a raw key event of no interest
+        Other, // a key event of no interest
         KeyReleased, // another key was let go
         ModifierPressed, // the user pressed a modifier key
         ModifierReleased, // the user let go of a modifier key
         ButtonPressed, // a mouse button went down anywhere (only while watched)
     };
+    struct KeyChange {
+        KeyKind kind = KeyKind::NotRaw;
+        xcb_keycode_t keyCode = 0;
+        // From an XTest keyboard, the device Corvane's own key events come from
+        // (core events do not say, and count as such).
+        bool fromXTest = true;
+    };
     // Follows XInput 2 raw key events to know which modifier keys are held.
-    RawKey handleRawKeyEvent(const xcb_generic_event_t *event, xcb_keycode_t *keyCode);
+    KeyChange handleRawKeyEvent(const xcb_generic_event_t *event);
     // Follows a key event of any source. The server gives the raw events of the
     // master keyboard to every client but the one grabbing it: while a grab of
     // Corvane's is active (a hot key held, the overlay up), its core key events
     // are what tells which modifier keys are held, each event reaching Corvane
     // one way only.
-    // fromXTest: the event came from an XTest keyboard, the device Corvane's own key
-    // events come from (core events do not say, and count as such).
-    RawKey trackKey(xcb_keycode_t keyCode, bool press, bool fromXTest = true);
-    // Where the last modifier key event tracked came from.
-    bool lastModifierEventFromXTest() const { return m_lastFromXTest; }
+    KeyChange trackKey(xcb_keycode_t keyCode, bool press, bool fromXTest = true);
     // Also reports button presses, to notice a click elsewhere while the keyboard is taken.
     void setWatchesButtons(bool watches);
     // Modifier keys held now, by any device.
@@ -97,6 +100,5 @@ private:
     QHash<xcb_keycode_t, int> m_expectedReleaseEchoes;
     QHash<xcb_keycode_t, int> m_expectedPressEchoes;
     QSet<quint16> m_xtestKeyboards; // device ids
-    bool m_lastFromXTest = true;
     mutable std::optional<QVKeyboardService::RepeatThresholds> m_repeatThresholds;
 };

@@ -191,14 +191,14 @@ void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
     }
     default: break;
     }
-    xcb_keycode_t keyCode = 0;
-    switch (const QVX11Keyboard::RawKey raw = m_keyboard->handleRawKeyEvent(event, &keyCode)) {
-    case QVX11Keyboard::RawKey::ModifierPressed:
-    case QVX11Keyboard::RawKey::ModifierReleased: modifierKeyChanged(raw, keyCode); return;
-    case QVX11Keyboard::RawKey::KeyReleased:
-        m_grabs->handleUngrabbedRelease(keyCode, [this](const QVEventRef &release) { deliver(release); });
+    const QVX11Keyboard::KeyChange change = m_keyboard->handleRawKeyEvent(event);
+    switch (change.kind) {
+    case QVX11Keyboard::KeyKind::ModifierPressed:
+    case QVX11Keyboard::KeyKind::ModifierReleased: modifierKeyChanged(change); return;
+    case QVX11Keyboard::KeyKind::KeyReleased:
+        m_grabs->handleUngrabbedRelease(change.keyCode, [this](const QVEventRef &release) { deliver(release); });
         return;
-    case QVX11Keyboard::RawKey::ButtonPressed:
+    case QVX11Keyboard::KeyKind::ButtonPressed:
         if (m_keyboardTaken && m_handler) {
             // A click elsewhere: whoever has the keyboard should let it go.
             auto click = std::make_shared<QVEvent>();
@@ -206,8 +206,8 @@ void QVX11Platform::handleEvent(const xcb_generic_event_t *event)
             m_handler(click);
         }
         return;
-    case QVX11Keyboard::RawKey::Other: return;
-    case QVX11Keyboard::RawKey::NotRaw: break;
+    case QVX11Keyboard::KeyKind::Other: return;
+    case QVX11Keyboard::KeyKind::NotRaw: break;
     }
     if (type == m_keyboard->xkbFirstEvent()) {
         const uint8_t xkbType = reinterpret_cast<const uint8_t *>(event)[1];
@@ -228,19 +228,19 @@ void QVX11Platform::deliver(const QVEventRef &event)
         m_handler(event);
 }
 
-void QVX11Platform::modifierKeyChanged(QVX11Keyboard::RawKey change, xcb_keycode_t keyCode)
+void QVX11Platform::modifierKeyChanged(const QVX11Keyboard::KeyChange &change)
 {
-    if (change == QVX11Keyboard::RawKey::ModifierPressed)
-        m_synthesizer->modifierPressed(keyCode);
-    else if (change == QVX11Keyboard::RawKey::ModifierReleased)
-        m_synthesizer->modifierReleased(keyCode, m_keyboard->lastModifierEventFromXTest());
+    if (change.kind == QVX11Keyboard::KeyKind::ModifierPressed)
+        m_synthesizer->modifierPressed(change.keyCode);
+    else if (change.kind == QVX11Keyboard::KeyKind::ModifierReleased)
+        m_synthesizer->modifierReleased(change.keyCode, change.fromXTest);
 }
 
 void QVX11Platform::handleKey(const xcb_generic_event_t *event, bool press)
 {
     const auto *key = reinterpret_cast<const xcb_key_press_event_t *>(event);
     // Key events reach Corvane only while it grabs the keyboard, when it gets no raw events.
-    modifierKeyChanged(m_keyboard->trackKey(key->detail, press), key->detail);
+    modifierKeyChanged(m_keyboard->trackKey(key->detail, press));
     const auto sink = [this](const QVEventRef &delivered) { deliver(delivered); };
     // The event tells where the pointer was at the press: unless a motion of ours
     // was still on its way then, the action needs no pointer query.

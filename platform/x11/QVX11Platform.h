@@ -39,7 +39,7 @@ private:
     bool initialize(QString *error);
     void handleEvent(const xcb_generic_event_t *event);
     void handleKey(const xcb_generic_event_t *event, bool press);
-    void modifierKeyChanged(QVX11Keyboard::RawKey change, xcb_keycode_t keyCode);
+    void modifierKeyChanged(const QVX11Keyboard::KeyChange &change);
     void deliver(const QVEventRef &event);
     void applyMappingChange();
 
