@@ -112,33 +112,10 @@ start_xvfb() {
 start_xorg() {
     local n
     n=$(free_display)
-    cat >"$work_dir/xorg.conf" <<'CONF'
-Section "Device"
-  Identifier "dummy"
-  Driver "dummy"
-  VideoRam 512000
-EndSection
-Section "Monitor"
-  Identifier "m"
-  HorizSync 5.0-1000.0
-  VertRefresh 5.0-200.0
-  Modeline "4160x1080" 300.00 4160 4200 4300 4400 1080 1083 1093 1120
-EndSection
-Section "Screen"
-  Identifier "s"
-  Device "dummy"
-  Monitor "m"
-  DefaultDepth 24
-  SubSection "Display"
-    Depth 24
-    Modes "4160x1080"
-    Virtual 4160 1080
-  EndSubSection
-EndSection
-Section "ServerFlags"
-  Option "AutoAddDevices" "false"
-EndSection
-CONF
+    # The tests' configuration, filled as QVTestXServer::startXorg fills it.
+    sed -e 's/%1/4160/g; s/%2/1080/g; s/%3/4200/g; s/%4/4300/g; s/%5/4400/g' \
+        -e 's/%6/1083/g; s/%7/1093/g; s/%8/1120/g' \
+        "$source_dir/tests/integration/xorg-dummy.conf" >"$work_dir/xorg.conf"
     Xorg ":$n" -noreset -nolisten tcp -config "$work_dir/xorg.conf" -logfile "$work_dir/xorg.log" \
         >"$work_dir/xorg.stderr" 2>&1 &
     server_pid=$!

@@ -13,32 +13,6 @@ namespace
 
 constexpr int startDeadlineMilliseconds = 20000;
 
-const char *const xorgConfiguration = R"(Section "Device"
-  Identifier "dummy"
-  Driver "dummy"
-  VideoRam 512000
-EndSection
-Section "Monitor"
-  Identifier "m"
-  HorizSync 5.0-1000.0
-  VertRefresh 5.0-200.0
-  Modeline "%1x%2" 300.00 %1 %3 %4 %5 %2 %6 %7 %8
-EndSection
-Section "Screen"
-  Identifier "s"
-  Device "dummy"
-  Monitor "m"
-  DefaultDepth 24
-  SubSection "Display"
-    Depth 24
-    Modes "%1x%2"
-    Virtual %1 %2
-  EndSubSection
-EndSection
-Section "ServerFlags"
-  Option "AutoAddDevices" "false"
-EndSection
-)";
 
 } // namespace
 
@@ -81,13 +55,18 @@ std::unique_ptr<QVTestXServer> QVTestXServer::startXorg(
 {
     std::unique_ptr<QVTestXServer> server(new QVTestXServer);
     server->m_number = freeDisplayNumber();
+    QFile configTemplate(QStringLiteral(CORVANE_XORG_TEMPLATE));
+    if (!configTemplate.open(QIODevice::ReadOnly)) {
+        *error = QStringLiteral("cannot read %1").arg(configTemplate.fileName());
+        return nullptr;
+    }
     const QString configPath = server->temporaryPath(QStringLiteral("xorg.conf"));
     QFile config(configPath);
     if (!config.open(QIODevice::WriteOnly)) {
         *error = QStringLiteral("cannot write %1").arg(configPath);
         return nullptr;
     }
-    config.write(QString::fromLatin1(xorgConfiguration)
+    config.write(QString::fromLatin1(configTemplate.readAll())
                      .arg(width)
                      .arg(height)
                      .arg(width + 40)
