@@ -61,6 +61,11 @@ void QVMainController::applicationShouldTerminate()
     m_manager->save();
 }
 
+void QVMainController::applicationShouldHandleReopen()
+{
+    QVLog(QStringLiteral("launched again: showing the settings"));
+}
+
 bool QVMainController::performActionTriggeredByControl(
     QVCustomControlRepresentation *control, const QVEvent *event, bool isRepetition, bool *shouldRepeat)
 {

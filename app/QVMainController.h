@@ -35,6 +35,8 @@ public:
     void applicationDidFinishLaunching();
     // Saves the controls; called once when the application quits.
     void applicationShouldTerminate();
+    // Corvane was launched again: the settings come to the front on their last page.
+    void applicationShouldHandleReopen();
 
     bool performActionTriggeredByControl(
         QVCustomControlRepresentation *control, const QVEvent *event, bool isRepetition, bool *shouldRepeat);
