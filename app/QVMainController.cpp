@@ -1,20 +1,52 @@
 #include "QVMainController.h"
 
+#include "QVAboutDialog.h"
+#include "QVActionsPreferencesPage.h"
+#include "QVGeneralPreferencesPage.h"
 #include "QVHotKey.h"
+#include "QVInstalledResources.h"
 #include "QVLog.h"
+#include "QVLoginItem.h"
 #include "QVPlatform.h"
 #include "QVPointerEvents.h"
 #include "QVScreenGeometry.h"
 #include "QVScreenOverlayCommand.h"
+#include "QVPreferencesWindow.h"
 #include "QVScreenOverlayPanel.h"
+#include "QVSelfRestart.h"
+#include "QVStatusItem.h"
+#include "QVTaskbarPresence.h"
 #include "QVUserDefaults.h"
+#ifdef CORVANE_UPDATE_CHECKS
+#include "QVSparkleWrapper.h"
+#include "QVUpdatesPage.h"
+#endif
 
 #include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QMenu>
+#include <QTimer>
+#include <QUrl>
 
 namespace
 {
 QVMainController *sharedController = nullptr;
 const QString capsLockKey = QStringLiteral("Hot Keys Account For Caps Lock Status");
+const QString stealthModeKey = QStringLiteral("Stealth Mode");
+const QString debugLogKey = QStringLiteral("QVDebugLog");
+
+// Where the login session finds this Corvane: its binary, and its settings when not the usual ones.
+std::unique_ptr<QVLoginItem> loginItemFor(const QVUserDefaults &defaults)
+{
+    const QString settings = QFileInfo(defaults.filePath()).absoluteFilePath();
+    const bool standard = settings == QFileInfo(QVUserDefaults::standardFilePath()).absoluteFilePath();
+    return std::make_unique<QVLoginItem>(QCoreApplication::applicationFilePath(), standard ? QString() : settings,
+        QVLoginItem::defaultAutostartDirectory());
+}
 } // namespace
 
 QVMainController::QVMainController(QVPlatform &platform, QVUserDefaults &defaults, QObject *parent)
@@ -25,6 +57,28 @@ QVMainController::QVMainController(QVPlatform &platform, QVUserDefaults &default
     , m_engine(
           platform, platform, [this] { return m_manager->controls(); }, m_clickTimer)
     , m_accountsForCapsLock(defaults.boolForKey(capsLockKey))
+    , m_taskbarPresence(std::make_unique<QVTaskbarPresence>(platform, [this] { return !m_mode.isDockless(); }))
+    , m_mode(defaults, m_terminationTimer,
+          QVApplicationMode::Actions {
+              .preferencesWindowVisible = [this] { return m_preferencesWindow && m_preferencesWindow->isVisible(); },
+              .transformToForegroundApplication = [this] { return m_taskbarPresence->apply(), true; },
+              .bringPreferencesWindowForward =
+                  [this] {
+                      if (m_preferencesWindow)
+                          m_platform.activateWindow(m_preferencesWindow->winId());
+                  },
+              .launchRestartHelper = [](QString *error) { return QVSelfRestart::launchRestartHelper(error); },
+              .terminate = [] { QCoreApplication::quit(); },
+              .beep = [&platform] { platform.beep(); },
+          })
+    , m_loginItem(loginItemFor(defaults))
+#ifdef CORVANE_UPDATE_CHECKS
+    , m_updater(std::make_unique<QVSparkleWrapper>(
+          defaults, QCoreApplication::applicationName(), QCoreApplication::applicationVersion()))
+#endif
+    , m_menuBuilder(defaults, *m_manager, menuTargets())
+    , m_statusItem(std::make_unique<QVStatusItem>(
+          [this](QMenu &menu, bool alternate) { m_menuBuilder.populateContextMenu(menu, true, true, alternate); }))
 {
     connect(&defaults, &QVUserDefaults::changedExternally, this, &QVMainController::settingsChangedExternally);
     m_engine.setScreenSectionPresenter(this);
@@ -46,10 +100,151 @@ void QVMainController::setDefaultController(QVMainController *controller)
     sharedController = controller;
 }
 
+QVContextMenuBuilder::Targets QVMainController::menuTargets()
+{
+    QVContextMenuBuilder::Targets targets;
+    targets.showAbout = [this] { showAbout(); };
+#ifdef CORVANE_UPDATE_CHECKS
+    targets.checkForUpdates = [this] { m_updater->checkForUpdates(); };
+#endif
+    targets.showHelp = [this] { showHelp(); };
+    targets.showPreferences = [this] { showPreferences(); };
+    targets.toggleDebugLogging = [this] { toggleDebugLogging(); };
+    targets.terminate = [] { QCoreApplication::quit(); };
+    targets.performCustomControlActionForMenuItem = [this](QAction *item) { performCustomControlActionForMenuItem(item); };
+    return targets;
+}
+
+void QVMainController::applicationWillFinishLaunching()
+{
+    m_mode.updateApplicationMode();
+}
+
 void QVMainController::applicationDidFinishLaunching()
 {
     QVCustomControlManager::setDefaultManager(m_manager.get());
     m_manager->loadControls();
+
+    // A restart hands the page over once.
+    const QString section = m_defaults.objectForKey(QVApplicationMode::preferencesSectionKey).toString();
+    if (!section.isEmpty())
+        m_defaults.removeObjectForKey(QVApplicationMode::preferencesSectionKey);
+    if (!m_defaults.boolForKey(stealthModeKey) || !section.isEmpty())
+        showPreferencesTab(section);
+    // After launching: the tray may still be starting with the session.
+    QTimer::singleShot(0, this, &QVMainController::updateStatusItem);
+}
+
+void QVMainController::updateStatusItem()
+{
+    m_statusItem->setInstalled(m_defaults.integerForKey(QVApplicationMode::settingsKey) == QVApplicationMode::TrayIcon);
+}
+
+QVPreferencesWindow &QVMainController::preferencesWindow()
+{
+    if (m_preferencesWindow)
+        return *m_preferencesWindow;
+    m_generalPage = new QVGeneralPreferencesPage;
+    QWidget *updatesPage = nullptr;
+#ifdef CORVANE_UPDATE_CHECKS
+    auto *page = new QVUpdatesPage;
+    m_updater->bindPage(page);
+    m_updater->setUpdatePreferencesWindowFrame([this] { updatePreferencesWindowFrame(); });
+    updatesPage = page;
+#endif
+    m_preferencesWindow = std::make_unique<QVPreferencesWindow>(
+        m_defaults, m_generalPage, new QVActionsPreferencesPage, updatesPage);
+    connect(m_generalPage, &QVGeneralPreferencesPage::changeSetting, this, &QVMainController::changeSetting);
+    connect(m_preferencesWindow.get(), &QVPreferencesWindow::helpRequested, this, &QVMainController::showHelp);
+#ifdef CORVANE_UPDATE_CHECKS
+    m_updater->updateControls();
+#endif
+    return *m_preferencesWindow;
+}
+
+// The page shows what is stored now: the file may have been edited since it last showed.
+void QVMainController::refreshGeneralPage()
+{
+    m_generalPage->loginItemSwitch()->setChecked(m_loginItem->isLoginItem());
+    const qint64 mode = m_mode.clampedStoredMode();
+    m_generalPage->setApplicationMode(mode);
+    m_generalPage->setExplanationVisible(mode == QVApplicationMode::Faceless);
+    m_generalPage->stealthModeSwitch()->setChecked(!m_defaults.boolForKey(stealthModeKey));
+}
+
+void QVMainController::showPreferencesTab(const QString &identifier)
+{
+    QVPreferencesWindow &window = preferencesWindow();
+    if (!window.isVisible())
+        refreshGeneralPage();
+    window.showPreferencesTab(identifier);
+    m_platform.activateWindow(window.winId());
+}
+
+void QVMainController::showPreferences()
+{
+    showPreferencesTab({});
+}
+
+void QVMainController::updatePreferencesWindowFrame()
+{
+    if (m_preferencesWindow)
+        m_preferencesWindow->updatePreferencesWindowFrame();
+}
+
+void QVMainController::showHelp()
+{
+    const QString page = QVInstalledResources::helpPagePath();
+    if (page.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(page))) {
+        QVLog(QStringLiteral("cannot open the help page %1").arg(page.isEmpty() ? QStringLiteral("(not installed)") : page));
+        m_platform.beep();
+    }
+}
+
+void QVMainController::showAbout()
+{
+    if (!m_aboutDialog)
+        m_aboutDialog = std::make_unique<QVAboutDialog>();
+    m_aboutDialog->show();
+    m_aboutDialog->raise();
+    m_platform.activateWindow(m_aboutDialog->winId());
+}
+
+void QVMainController::changeSetting(QObject *sender)
+{
+    if (!m_generalPage)
+        return;
+    if (sender == m_generalPage->loginItemSwitch()) {
+        if (!m_loginItem->setLoginItem(m_generalPage->loginItemSwitch()->isChecked()))
+            QVLog(QStringLiteral("cannot change the start at login entry in %1").arg(QVLoginItem::defaultAutostartDirectory()));
+        m_generalPage->loginItemSwitch()->setChecked(m_loginItem->isLoginItem());
+    } else if (sender == m_generalPage->stealthModeSwitch()) {
+        m_defaults.setObject(!m_generalPage->stealthModeSwitch()->isChecked(), stealthModeKey);
+    } else if (sender == m_generalPage->applicationModeSelector()) {
+        const qint64 mode = m_generalPage->applicationModeSelector()->currentData().toLongLong();
+        if (!m_mode.changeApplicationMode(mode) || m_mode.isScheduledToQuit())
+            return;
+        updateStatusItem();
+        m_generalPage->setExplanationVisible(mode == QVApplicationMode::Faceless);
+        updatePreferencesWindowFrame();
+    }
+}
+
+void QVMainController::toggleDebugLogging()
+{
+    const bool enabled = !m_defaults.boolForKey(debugLogKey);
+    m_defaults.setObject(enabled, debugLogKey);
+    QVLog(enabled ? QStringLiteral("debug logging on") : QStringLiteral("debug logging off"));
+}
+
+QMenu *QVMainController::populateContextMenu(QMenu *menu, bool includeMetaItems, bool includeCustomControls)
+{
+    if (!menu) {
+        menu = new QMenu;
+        menu->setTitle(tr("Corvane Context Menu"));
+    }
+    m_menuBuilder.populateContextMenu(*menu, includeMetaItems, includeCustomControls, false);
+    return menu;
 }
 
 void QVMainController::applicationShouldTerminate()
@@ -59,17 +254,35 @@ void QVMainController::applicationShouldTerminate()
     // An outside edit still settling is taken in, and an unparsable file kept aside, before the list goes out.
     m_defaults.prepareForFinalWrite();
     m_manager->save();
+    m_statusItem->setInstalled(false);
 }
 
 void QVMainController::applicationShouldHandleReopen()
 {
     QVLog(QStringLiteral("launched again: showing the settings"));
+    showPreferencesTab({});
 }
 
 bool QVMainController::performActionTriggeredByControl(
     QVCustomControlRepresentation *control, const QVEvent *event, bool isRepetition, bool *shouldRepeat)
 {
-    return m_engine.performActionTriggeredByControl(control, event, isRepetition, shouldRepeat);
+    const bool performed = m_engine.performActionTriggeredByControl(control, event, isRepetition, shouldRepeat);
+    if (QVDebugLogEnabled() && !isRepetition)
+        logAction(control, event, performed);
+    return performed;
+}
+
+void QVMainController::logAction(const QVCustomControlRepresentation *control, const QVEvent *event, bool performed)
+{
+    const QString source = event ? QStringLiteral("hot key (key code %1, modifier flags 0x%2)")
+                                       .arg(event->keyCode)
+                                       .arg(event->modifierFlags, 0, 16)
+                                 : QStringLiteral("menu item");
+    const QString outcome = !performed ? QStringLiteral("claimed by no control")
+        : control                      ? QStringLiteral("performed \"%1\"").arg(control->displayTitleWithSuffixes(nullptr))
+                                       : QStringLiteral("performed");
+    const QVPoint pointer = m_platform.mouseLocation();
+    QVLog(QStringLiteral("%1: %2, pointer now at %3,%4").arg(source, outcome).arg(pointer.x).arg(pointer.y));
 }
 
 void QVMainController::performCustomControlActionForMenuItem(const QAction *item)

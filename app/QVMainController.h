@@ -1,6 +1,8 @@
 #pragma once
 
 #include "QVActionEngine.h"
+#include "QVApplicationMode.h"
+#include "QVContextMenuBuilder.h"
 #include "QVCustomControlManager.h"
 #include "QVHotKeyDelegate.h"
 #include "QVScreenOverlayPanelDelegate.h"
@@ -12,7 +14,15 @@
 #include <memory>
 
 class QAction;
+class QMenu;
+class QVAboutDialog;
+class QVGeneralPreferencesPage;
+class QVLoginItem;
 class QVPlatform;
+class QVPreferencesWindow;
+class QVSparkleWrapper;
+class QVStatusItem;
+class QVTaskbarPresence;
 class QVUserDefaults;
 
 // The application's controller: it stands for the application in hot key
@@ -31,12 +41,33 @@ public:
     static QVMainController *defaultController();
     static void setDefaultController(QVMainController *controller);
 
-    // Loads the controls and registers their hot keys.
+    // Puts the windows into the task bar in the mode that wants it.
+    void applicationWillFinishLaunching();
+    // Loads the controls and registers their hot keys, opens the settings unless
+    // told not to, and installs the tray icon once the event loop runs.
     void applicationDidFinishLaunching();
     // Saves the controls; called once when the application quits.
     void applicationShouldTerminate();
     // Corvane was launched again: the settings come to the front on their last page.
     void applicationShouldHandleReopen();
+
+    // The settings window, on the page named (null: the current one, "General" at first).
+    void showPreferencesTab(const QString &identifier);
+    void showPreferences();
+    void updatePreferencesWindowFrame();
+    void showHelp();
+    void showAbout();
+    // One of the General page's controls was changed by the user.
+    void changeSetting(QObject *sender);
+    void toggleDebugLogging();
+    // Installs or removes the tray icon as the mode says.
+    void updateStatusItem();
+    // Appends the menu's items and returns it (a new menu when none is given, owned by the caller).
+    QMenu *populateContextMenu(QMenu *menu, bool includeMetaItems, bool includeCustomControls);
+
+    QVPreferencesWindow *preferencesWindowIfMade() const { return m_preferencesWindow.get(); }
+    QVStatusItem *statusItem() const { return m_statusItem.get(); }
+    QVApplicationMode &applicationMode() { return m_mode; }
 
     bool performActionTriggeredByControl(
         QVCustomControlRepresentation *control, const QVEvent *event, bool isRepetition, bool *shouldRepeat);
@@ -67,6 +98,10 @@ public:
     bool shouldSetHotKey(const QVHotKeyRef &hotKey, const QString &identifier) override;
 
 private:
+    QVPreferencesWindow &preferencesWindow();
+    void refreshGeneralPage();
+    QVContextMenuBuilder::Targets menuTargets();
+    void logAction(const QVCustomControlRepresentation *control, const QVEvent *event, bool performed);
     void settingsChangedExternally();
     void registerHotKeysAgain();
     void moveOverlayToNextDisplay(QVScreenOverlayPanel &panel);
@@ -78,4 +113,15 @@ private:
     QVActionEngine m_engine;
     std::unique_ptr<QVScreenOverlayPanel> m_overlayPanel; // made on first use, then kept
     bool m_accountsForCapsLock = false;
+
+    QVTimerDelayedPerformer m_terminationTimer;
+    std::unique_ptr<QVTaskbarPresence> m_taskbarPresence;
+    QVApplicationMode m_mode;
+    std::unique_ptr<QVLoginItem> m_loginItem;
+    std::unique_ptr<QVSparkleWrapper> m_updater; // none in a build without update checks
+    QVContextMenuBuilder m_menuBuilder;
+    std::unique_ptr<QVStatusItem> m_statusItem;
+    std::unique_ptr<QVPreferencesWindow> m_preferencesWindow; // made when first shown
+    QVGeneralPreferencesPage *m_generalPage = nullptr; // owned by the window
+    std::unique_ptr<QVAboutDialog> m_aboutDialog;
 };

@@ -134,6 +134,7 @@ int main(int argc, char **argv)
     QObject::connect(&application, &QVEventParserApplication::aboutToQuit, &controller,
         &QVMainController::applicationShouldTerminate);
 
+    controller.applicationWillFinishLaunching();
     controller.applicationDidFinishLaunching();
     QVLog(QStringLiteral("started on display %1 with %2 controls, settings in %3")
               .arg(QString::fromLocal8Bit(qgetenv("DISPLAY")))

@@ -5,6 +5,7 @@
 #include "QVHotKeyService.h"
 #include "QVKeyboardService.h"
 #include "QVPointerEventService.h"
+#include "QVWindowService.h"
 
 #include <functional>
 
@@ -13,7 +14,8 @@
 class QVPlatform : public QVDisplayService,
                    public QVPointerEventService,
                    public QVHotKeyService,
-                   public QVKeyboardService
+                   public QVKeyboardService,
+                   public QVWindowService
 {
 public:
     using EventHandler = std::function<void(const QVEventRef &)>;

@@ -17,9 +17,14 @@ void QVLog(const QString &message)
     std::fprintf(stderr, "corvane: %s\n", utf8.constData());
 }
 
-void QVDebugLog(const QString &message)
+bool QVDebugLogEnabled()
 {
     const QVUserDefaults *defaults = QVUserDefaults::standardUserDefaults();
-    if (defaults && defaults->boolForKey(QStringLiteral("QVDebugLog")))
+    return defaults && defaults->boolForKey(QStringLiteral("QVDebugLog"));
+}
+
+void QVDebugLog(const QString &message)
+{
+    if (QVDebugLogEnabled())
         QVLog(message);
 }

@@ -6,3 +6,5 @@
 void QVLog(const QString &message);
 // The same, only while the "QVDebugLog" setting is on.
 void QVDebugLog(const QString &message);
+// Whether "QVDebugLog" is on: spares the hot path composing lines nobody reads.
+bool QVDebugLogEnabled();

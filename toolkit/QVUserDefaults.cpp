@@ -53,8 +53,11 @@ void QVUserDefaults::setStandardUserDefaults(QVUserDefaults *defaults)
 QString QVUserDefaults::defaultFilePath()
 {
     const QString fromEnvironment = qEnvironmentVariable("CORVANE_SETTINGS");
-    if (!fromEnvironment.isEmpty())
-        return fromEnvironment;
+    return fromEnvironment.isEmpty() ? standardFilePath() : fromEnvironment;
+}
+
+QString QVUserDefaults::standardFilePath()
+{
     QString configHome = qEnvironmentVariable("XDG_CONFIG_HOME");
     if (configHome.isEmpty())
         configHome = QDir::homePath() + QStringLiteral("/.config");

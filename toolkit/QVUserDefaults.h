@@ -22,6 +22,8 @@ public:
     static void setStandardUserDefaults(QVUserDefaults *defaults);
     // $CORVANE_SETTINGS, else $XDG_CONFIG_HOME/corvane/settings.json.
     static QString defaultFilePath();
+    // $XDG_CONFIG_HOME/corvane/settings.json, where a login session finds the settings by itself.
+    static QString standardFilePath();
 
     QString filePath() const { return m_filePath; }
 

@@ -6,6 +6,7 @@
 #include "QVX11HotKeyGrabs.h"
 #include "QVX11InputSynthesizer.h"
 #include "QVX11Keyboard.h"
+#include "QVX11WindowHints.h"
 #include "QVXcbReply.h"
 
 #include <QScopeGuard>
@@ -35,6 +36,7 @@ QVX11Platform::QVX11Platform(std::unique_ptr<QVX11Connection> connection)
     , m_displays(std::make_unique<QVX11Displays>(*m_connection))
     , m_grabs(std::make_unique<QVX11HotKeyGrabs>(*m_connection, *m_keyboard, *m_displays))
     , m_synthesizer(std::make_unique<QVX11InputSynthesizer>(*m_connection, *m_displays, *m_keyboard))
+    , m_windowHints(std::make_unique<QVX11WindowHints>(*m_connection))
 {
 }
 
@@ -164,6 +166,16 @@ bool QVX11Platform::isCompositingManagerRunning() const
     QVXcbReply<xcb_get_selection_owner_reply_t> owner(
         xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, m_compositorSelection), nullptr));
     return owner && owner->owner != XCB_NONE;
+}
+
+void QVX11Platform::setWindowListedInTaskbar(quintptr window, bool listed)
+{
+    m_windowHints->setSkipsTaskbar(xcb_window_t(window), !listed);
+}
+
+void QVX11Platform::activateWindow(quintptr window)
+{
+    m_windowHints->activate(xcb_window_t(window));
 }
 
 void QVX11Platform::beep()

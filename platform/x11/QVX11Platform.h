@@ -9,6 +9,7 @@ class QVX11Connection;
 class QVX11Displays;
 class QVX11HotKeyGrabs;
 class QVX11InputSynthesizer;
+class QVX11WindowHints;
 #include <xcb/xcb.h>
 
 // The X11 back end of the platform port, on a connection of its own.
@@ -33,6 +34,8 @@ public:
     void setEventHandler(EventHandler handler) override;
     void beep() override;
     bool isCompositingManagerRunning() const override;
+    void setWindowListedInTaskbar(quintptr window, bool listed) override;
+    void activateWindow(quintptr window) override;
 
 private:
     explicit QVX11Platform(std::unique_ptr<QVX11Connection> connection);
@@ -48,6 +51,7 @@ private:
     std::unique_ptr<QVX11Displays> m_displays;
     std::unique_ptr<QVX11HotKeyGrabs> m_grabs;
     std::unique_ptr<QVX11InputSynthesizer> m_synthesizer;
+    std::unique_ptr<QVX11WindowHints> m_windowHints;
     EventHandler m_handler;
     bool m_keyboardTaken = false;
     mutable xcb_atom_t m_compositorSelection = XCB_ATOM_NONE;

@@ -46,6 +46,8 @@ public:
     void setEventHandler(EventHandler) override { }
     void beep() override { }
     bool isCompositingManagerRunning() const override { return true; }
+    void setWindowListedInTaskbar(quintptr window, bool listed) override { listedWindows[window] = listed; }
+    void activateWindow(quintptr window) override { activatedWindows.append(window); }
 
     QVDisplayList displayList;
     QVPoint pointer;
@@ -56,6 +58,8 @@ public:
     QList<QPair<bool, bool>> buttons; // (down, right button), in order
     QList<QVHotKeyRegistration> registrationRequests; // refused ones included
     QMap<Handle, QVHotKeyRegistration> activeHotKeys;
+    QMap<quintptr, bool> listedWindows;
+    QList<quintptr> activatedWindows;
 
 private:
     Handle m_lastHandle = 0;
