@@ -92,10 +92,14 @@ void QVContextMenuBuilder::addCustomControlItems(QMenu &menu) const
     QStringList suffixes;
     for (const QVCustomControlRef &control : m_manager.controls()) {
         switch (control->action()) {
-        case QVAction::Heading: addNonActionItemWithSmallTitle(menu, control->displayTitleWithSuffixes(nullptr)); break;
+        case QVAction::Heading:
+            addNonActionItemWithSmallTitle(menu, control->displayTitleWithSuffixes(nullptr).replace(u'&', QStringLiteral("&&")));
+            break;
         case QVAction::None: menu.addSeparator(); break;
         default: {
-            const QString title = control->displayTitleWithSuffixes(withSuffixes ? &suffixes : nullptr);
+            // A title's "&" is text, not a mnemonic mark.
+            const QString title = control->displayTitleWithSuffixes(withSuffixes ? &suffixes : nullptr)
+                                      .replace(u'&', QStringLiteral("&&"));
             QAction *item = menu.addAction(iconForControl(*control), title);
             item->setData(control->uniqueIdentifier());
             if (m_targets.performCustomControlActionForMenuItem)

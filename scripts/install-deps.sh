@@ -18,7 +18,8 @@ case "${1:-}" in
     exit 0
     ;;
 --tests)
-    packages+=(xvfb xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils xdotool xcompmgr picom keynav)
+    packages+=(xvfb xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils x11-utils xdotool xcompmgr picom keynav
+        dbus at-spi2-core python3-pyatspi trayer imagemagick)
     ;;
 esac
 
