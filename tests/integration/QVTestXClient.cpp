@@ -259,3 +259,80 @@ QImage QVTestXClient::screenshot(const QRect &root)
         xcb_get_image_data(image.get()), root.width(), root.height(), root.width() * 4, QImage::Format_RGB32);
     return view.copy();
 }
+
+xcb_atom_t QVTestXClient::atom(const char *name)
+{
+    auto interned = reply(
+        xcb_intern_atom_reply(m_connection, xcb_intern_atom(m_connection, 0, uint16_t(qstrlen(name)), name), nullptr));
+    return interned ? interned->atom : XCB_ATOM_NONE;
+}
+
+QString QVTestXClient::atomName(xcb_atom_t atom)
+{
+    auto named = reply(xcb_get_atom_name_reply(m_connection, xcb_get_atom_name(m_connection, atom), nullptr));
+    return named ? QString::fromLatin1(xcb_get_atom_name_name(named.get()), xcb_get_atom_name_name_length(named.get()))
+                 : QString();
+}
+
+QList<QVTestXClient::TopLevel> QVTestXClient::topLevelWindows()
+{
+    QList<TopLevel> windows;
+    auto tree = reply(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_screen->root), nullptr));
+    if (!tree)
+        return windows;
+    const xcb_window_t *children = xcb_query_tree_children(tree.get());
+    const xcb_atom_t wmName = atom("_NET_WM_NAME"), utf8 = atom("UTF8_STRING"), wmPid = atom("_NET_WM_PID"),
+                     wmState = atom("_NET_WM_STATE");
+    for (int index = 0; index < xcb_query_tree_children_length(tree.get()); ++index) {
+        TopLevel top;
+        top.window = children[index];
+        auto attributes = reply(
+            xcb_get_window_attributes_reply(m_connection, xcb_get_window_attributes(m_connection, top.window), nullptr));
+        if (!attributes || attributes->override_redirect)
+            continue;
+        top.viewable = attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+        auto name = reply(xcb_get_property_reply(
+            m_connection, xcb_get_property(m_connection, 0, top.window, wmName, utf8, 0, 256), nullptr));
+        if (name)
+            top.title = QString::fromUtf8(static_cast<const char *>(xcb_get_property_value(name.get())),
+                xcb_get_property_value_length(name.get()));
+        auto pid = reply(xcb_get_property_reply(
+            m_connection, xcb_get_property(m_connection, 0, top.window, wmPid, XCB_ATOM_CARDINAL, 0, 1), nullptr));
+        if (pid && xcb_get_property_value_length(pid.get()) == 4)
+            top.pid = *static_cast<const quint32 *>(xcb_get_property_value(pid.get()));
+        auto states = reply(xcb_get_property_reply(
+            m_connection, xcb_get_property(m_connection, 0, top.window, wmState, XCB_ATOM_ATOM, 0, 64), nullptr));
+        if (states) {
+            const auto *values = static_cast<const xcb_atom_t *>(xcb_get_property_value(states.get()));
+            for (int state = 0; state < xcb_get_property_value_length(states.get()) / 4; ++state)
+                top.states.append(atomName(values[state]));
+        }
+        auto geometry = reply(
+            xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, top.window), nullptr));
+        if (geometry)
+            top.geometry = QRect(geometry->x, geometry->y, geometry->width, geometry->height);
+        windows.append(top);
+    }
+    return windows;
+}
+
+std::optional<QVTestXClient::TopLevel> QVTestXClient::viewableTopLevel(const QString &title)
+{
+    for (const TopLevel &top : topLevelWindows())
+        if (top.viewable && top.title == title)
+            return top;
+    return std::nullopt;
+}
+
+void QVTestXClient::closeWindow(xcb_window_t window)
+{
+    xcb_client_message_event_t message {};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = atom("WM_PROTOCOLS");
+    message.data.data32[0] = atom("WM_DELETE_WINDOW");
+    message.data.data32[1] = XCB_CURRENT_TIME;
+    xcb_send_event(m_connection, 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&message));
+    sync();
+}

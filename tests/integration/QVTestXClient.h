@@ -5,6 +5,7 @@
 #include <QPoint>
 #include <QRect>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -89,8 +90,25 @@ public:
     // Whether a key press of that combination reached this client.
     bool receivedKeyPress(xcb_keycode_t key, int timeoutMilliseconds);
 
+    // Top-level windows of other clients, as a window manager or a task bar sees them.
+    struct TopLevel {
+        xcb_window_t window = XCB_NONE;
+        QString title;
+        quint32 pid = 0;
+        QStringList states; // _NET_WM_STATE atom names
+        QRect geometry; // root coordinates
+        bool viewable = false;
+    };
+    QList<TopLevel> topLevelWindows();
+    // The first viewable top-level window with the title, if any.
+    std::optional<TopLevel> viewableTopLevel(const QString &title);
+    // Asks the window to close, as a window manager's close button does.
+    void closeWindow(xcb_window_t window);
+
 private:
     void sync();
+    xcb_atom_t atom(const char *name);
+    QString atomName(xcb_atom_t atom);
 
     xcb_connection_t *m_connection = nullptr;
     xcb_screen_t *m_screen = nullptr;
