@@ -13,8 +13,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The Corvane developers <maintainers@corvane.org>")
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Move and click the mouse pointer with hot keys
-Corvane drives the mouse pointer from the keyboard. Each action of its list ties
+# Below the summary line, which CPack puts first.
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Corvane drives the mouse pointer from the keyboard. Each action of its list ties
 a system-wide hot key to one pointer action: move a few pixels in one of eight
 directions (accelerating while the key is held), jump to the centre, an edge or
 a corner of the monitor or to the next monitor, narrow down a screen section

@@ -55,6 +55,9 @@ for page in "$help/overview.html" "$help/de/overview.html"; do
     for link in $(grep -o '\(href\|src\)="[^"#:]*"' "$page" | sed 's/^[a-z]*="//; s/"$//'); do
         [[ -e $(dirname "$page")/$link ]] || fail "${page#"$scratch"/stage/} links to missing $link"
     done
+    for anchor in $(grep -o 'href="#[^"]*"' "$page" | sed 's/^href="#//; s/"$//' | sort -u); do
+        grep -q "id=\"$anchor\"" "$page" || fail "${page#"$scratch"/stage/} links to missing section #$anchor"
+    done
     grep -q '<script' "$page" && fail "${page#"$scratch"/stage/} holds a script"
 done
 
@@ -88,6 +91,9 @@ else
     [[ $(dpkg-deb -f "$deb" Package) == corvane ]] || fail "package name $(dpkg-deb -f "$deb" Package)"
     [[ $(dpkg-deb -f "$deb" Version) == "$version" ]] || fail "package version $(dpkg-deb -f "$deb" Version)"
     [[ $(dpkg-deb -f "$deb" Section) == utils ]] || fail "package section $(dpkg-deb -f "$deb" Section)"
+    description=$(dpkg-deb -f "$deb" Description)
+    [[ $(sed -n 2p <<<"$description") == " $(head -1 <<<"$description")" ]] &&
+        fail "the description repeats its summary line"
     depends=$(dpkg-deb -f "$deb" Depends)
     for needed in libc6 libqt6core6 libqt6gui6 libqt6widgets6 libxcb1 qt6-qpa-plugins; do
         [[ ", $depends," == *", $needed "* || ", $depends," == *", $needed,"* ]] ||
