@@ -1,6 +1,7 @@
 #include "QVCommandLine.h"
 #include "QVEventDispatcher.h"
 #include "QVEventParserApplication.h"
+#include "QVInstalledResources.h"
 #include "QVLog.h"
 #include "QVMainController.h"
 #include "QVTimerDelayedPerformer.h"
@@ -104,6 +105,7 @@ int main(int argc, char **argv)
     QVEventParserApplication::setApplicationName(QStringLiteral("Corvane"));
     QVEventParserApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
     QVEventParserApplication::setQuitOnLastWindowClosed(false);
+    QVInstalledResources::installTranslators(application);
 
     QString error;
     std::unique_ptr<QVX11Platform> platform = QVX11Platform::open(std::move(connection), &error);
