@@ -1,0 +1,184 @@
+#include "QVAboutDialog.h"
+#include "QVPreferencesTestWindow.h"
+#include "QVTestXServer.h"
+
+#include <QApplication>
+#include <QJsonObject>
+#include <QMenu>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QTest>
+
+// The settings window on a real X server: where it appears, that it takes the
+// focus, and the toolbar under real mouse clicks.
+class TestX11PreferencesWindow : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit TestX11PreferencesWindow(const QVTestXServer &server)
+        : m_server(server)
+    {
+    }
+
+private Q_SLOTS:
+    void centeredAndActiveOnFirstShowing();
+    void toolbarClicksChangePages();
+    void toolbarMenuChangesStyle();
+    void aboutDialogIsOneWindow();
+    void screenshots();
+
+private:
+    bool clickAt(const QPoint &globalPosition, int button = 1) const;
+    bool clickOn(const QWidget &widget, int button = 1) const
+    {
+        return clickAt(widget.mapToGlobal(widget.rect().center()), button);
+    }
+    void showAndWait(QVPreferencesTestWindow &test, const QString &identifier) const;
+
+    const QVTestXServer &m_server;
+};
+
+bool TestX11PreferencesWindow::clickAt(const QPoint &globalPosition, int button) const
+{
+    return !m_server
+                .run(QStringLiteral("xdotool"),
+                    { QStringLiteral("mousemove"), QString::number(globalPosition.x()),
+                        QString::number(globalPosition.y()), QStringLiteral("click"), QString::number(button) })
+                .isNull();
+}
+
+void TestX11PreferencesWindow::showAndWait(QVPreferencesTestWindow &test, const QString &identifier) const
+{
+    test.window->showPreferencesTab(identifier);
+    QVERIFY(QTest::qWaitForWindowExposed(test.window.get()));
+    QTRY_VERIFY(test.window->isActiveWindow());
+    QTRY_COMPARE(test.window->maximumHeight(), test.window->height());
+}
+
+void TestX11PreferencesWindow::centeredAndActiveOnFirstShowing()
+{
+    QVPreferencesTestWindow test;
+    QVERIFY(!m_server
+                 .run(QStringLiteral("xdotool"),
+                     { QStringLiteral("mousemove"), QStringLiteral("30"), QStringLiteral("40") })
+                 .isNull());
+    showAndWait(test, QString());
+    QCOMPARE(test.window->selectedIdentifier(), QStringLiteral("General"));
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    const QPoint offset = test.window->frameGeometry().center() - screen.center();
+    QVERIFY2(offset.manhattanLength() <= 2, qPrintable(QStringLiteral("%1,%2").arg(offset.x()).arg(offset.y())));
+    QVERIFY(QApplication::activeWindow() == test.window.get());
+
+    // Shown again while visible: it stays where it is.
+    test.window->move(40, 50);
+    QTRY_COMPARE(test.window->pos(), QPoint(40, 50));
+    test.window->showPreferencesTab(QStringLiteral("Actions"));
+    QTRY_COMPARE(test.window->maximumHeight(), test.window->height());
+    QCOMPARE(test.window->pos(), QPoint(40, 50));
+}
+
+void TestX11PreferencesWindow::toolbarClicksChangePages()
+{
+    QVPreferencesTestWindow test;
+    showAndWait(test, QString());
+    QSignalSpy help(test.window.get(), &QVPreferencesWindow::helpRequested);
+    const int top = test.window->geometry().top();
+    auto *pages = test.window->findChild<QStackedWidget *>();
+    for (const QString &identifier :
+        { QStringLiteral("Actions"), QStringLiteral("Updates"), QStringLiteral("Help"), QStringLiteral("General") }) {
+        QVERIFY(clickOn(*test.button(identifier)));
+        if (identifier == QLatin1String("Help")) {
+            QTRY_COMPARE(help.count(), 1);
+            QCOMPARE(test.window->selectedIdentifier(), QStringLiteral("Updates"));
+            continue;
+        }
+        QTRY_COMPARE(test.window->selectedIdentifier(), identifier);
+        QTRY_COMPARE(test.window->maximumHeight(), test.window->height());
+        const int margin = identifier == QLatin1String("Actions") ? 0 : 20;
+        QCOMPARE(lowestChildBottom(*pages->currentWidget(), *test.window) + margin, test.window->height());
+        QCOMPARE(test.window->geometry().top(), top);
+    }
+    QCOMPARE(help.count(), 1);
+}
+
+void TestX11PreferencesWindow::toolbarMenuChangesStyle()
+{
+    QVPreferencesTestWindow test;
+    showAndWait(test, QStringLiteral("General"));
+    const int toolbarHeight = test.window->toolbar()->height();
+    QVERIFY(clickOn(*test.window->toolbar()->findChild<QWidget *>(QStringLiteral("flexibleSpace")), 3));
+    QMenu *menu = test.window->toolbarStyleMenu();
+    QTRY_VERIFY(menu->isVisible());
+    QAction *textOnly = menu->actions().at(2);
+    QCOMPARE(textOnly->text(), QStringLiteral("Text Only"));
+    QVERIFY(clickAt(menu->mapToGlobal(menu->actionGeometry(textOnly).center())));
+    QTRY_COMPARE(test.window->toolbar()->toolButtonStyle(), Qt::ToolButtonTextOnly);
+    QCOMPARE(test.defaults.objectForKey(QVPreferencesWindow::toolbarIdentifier())
+                 .toObject()
+                 .value(QStringLiteral("Display Mode"))
+                 .toInt(),
+        3);
+    QTRY_COMPARE(test.window->maximumHeight(), test.window->height());
+    QVERIFY(test.window->toolbar()->height() <= toolbarHeight);
+    QCOMPARE(lowestChildBottom(*test.general, *test.window) + 20, test.window->height());
+    // A right click on a page brings no menu (no way to hide the toolbar).
+    QVERIFY(clickOn(*test.general, 3));
+    QTest::qWait(200);
+    QCOMPARE(QApplication::activePopupWidget(), nullptr);
+}
+
+void TestX11PreferencesWindow::aboutDialogIsOneWindow()
+{
+    QVAboutDialog about;
+    about.showAbout();
+    QVERIFY(QTest::qWaitForWindowExposed(&about));
+    QTRY_VERIFY(about.isActiveWindow());
+    QVPreferencesTestWindow test;
+    showAndWait(test, QString());
+    about.showAbout();
+    QTRY_VERIFY(about.isActiveWindow());
+    QCOMPARE(QApplication::topLevelWidgets().count(&about), 1);
+    auto *link = about.findChild<QLabel *>(QStringLiteral("linkView"));
+    QVERIFY(link->openExternalLinks());
+    QVERIFY(link->text().contains(QStringLiteral("https://corvane.org/")));
+    QCOMPARE(widgetsWithoutAccessibleName(about), QStringList());
+}
+
+void TestX11PreferencesWindow::screenshots()
+{
+    // Icons as a desktop with an icon theme would show them.
+    const QString themeName = QIcon::themeName();
+    QIcon::setThemeName(QStringLiteral("Adwaita"));
+    QVPreferencesTestWindow test;
+    test.general->setExplanationVisible(true);
+    for (const QString &identifier :
+        { QStringLiteral("General"), QStringLiteral("Actions"), QStringLiteral("Updates") }) {
+        showAndWait(test, identifier);
+        saveScreenshot(*test.window, QStringLiteral("x11-") + identifier);
+    }
+    QVAboutDialog about;
+    about.showAbout();
+    QVERIFY(QTest::qWaitForWindowExposed(&about));
+    saveScreenshot(about, QStringLiteral("x11-About"));
+    QIcon::setThemeName(themeName);
+}
+
+int main(int argc, char *argv[])
+{
+    QString error;
+    const std::unique_ptr<QVTestXServer> server = QVTestXServer::startXvfb(1280, 800, &error);
+    if (!server) {
+        qCritical("%s", qPrintable(error));
+        return 1;
+    }
+    qputenv("DISPLAY", server->displayName().toLatin1());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    QApplication application(argc, argv);
+    application.setApplicationVersion(QStringLiteral("0.1.0"));
+    TestX11PreferencesWindow test(*server);
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_x11_preferenceswindow.moc"
