@@ -205,8 +205,7 @@ void QVMainController::showAbout()
 {
     if (!m_aboutDialog)
         m_aboutDialog = std::make_unique<QVAboutDialog>();
-    m_aboutDialog->show();
-    m_aboutDialog->raise();
+    m_aboutDialog->showAbout();
     m_platform.activateWindow(m_aboutDialog->winId());
 }
 
