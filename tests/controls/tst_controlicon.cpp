@@ -119,13 +119,6 @@ private Q_SLOTS:
         QCOMPARE(inkBounds(plain, symbolArea), QRect(8, 5, 6, 6));
     }
 
-    void noActionIsAThinRule()
-    {
-        const QImage rule = rendered(*control(QVAction::None));
-        for (int y = 0; y < rule.height(); ++y)
-            QCOMPARE(qAlpha(rule.pixel(11, y)), y == 8 ? 51 : 0);
-    }
-
     void edgeOrCornerMarksItsPlace_data()
     {
         QTest::addColumn<qint64>("position");
@@ -237,8 +230,6 @@ private Q_SLOTS:
                 darkest = qMin(darkest, qGray(icon.pixel(x, y)));
         QVERIFY2(qAbs(darkest - 128) <= 2, qPrintable(QString::number(darkest)));
     }
-
-    void clicksDiffer() { QVERIFY(rendered(*control(QVAction::Click)) != rendered(*control(QVAction::RightClick))); }
 
     void menuIconHasBothDensities()
     {

@@ -89,20 +89,14 @@ private Q_SLOTS:
 
     void textSetElsewhereDropsTheSuffix()
     {
-        QAction action;
+        QAction action(QStringLiteral("Center"));
+        setTitleSuffix(action, QStringLiteral(" — z"));
+        QCOMPARE(titleWithoutSuffix(action), QStringLiteral("Center"));
         setTitle(action, QStringLiteral("Click"), QStringLiteral(" — x"));
         action.setText(QStringLiteral("Right Click"));
         QCOMPARE(titleSuffix(action), QString());
         setTitleSuffix(action, QStringLiteral(" — y"));
         QCOMPARE(action.text(), QStringLiteral("Right Click — y"));
-    }
-
-    void untitledItemTakesASuffix()
-    {
-        QAction action(QStringLiteral("Center"));
-        setTitleSuffix(action, QStringLiteral(" — z"));
-        QCOMPARE(action.text(), QStringLiteral("Center — z"));
-        QCOMPARE(titleWithoutSuffix(action), QStringLiteral("Center"));
     }
 
     // The title is drawn in the menu's text colour and the suffix after it in grey.
@@ -134,13 +128,6 @@ private Q_SLOTS:
             QVERIFY2(columns.greyAfterDark > suffixWidth / 2, qPrintable(QString::number(columns.greyAfterDark)));
         else
             QVERIFY(columns.greyAfterDark < suffixWidth / 4);
-    }
-
-    void iconColumnFitsActionIcons()
-    {
-        QMenu menu;
-        QVMenuSuffixStyle::install(menu);
-        QCOMPARE(menu.style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, &menu), 24);
     }
 };
 
