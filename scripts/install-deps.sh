@@ -8,7 +8,7 @@ set -euo pipefail
 
 packages=(
     cmake ninja-build g++ pkg-config
-    qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins qt6-tools-dev qt6-l10n-tools
+    qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins qt6-svg-dev qt6-tools-dev qt6-l10n-tools
     libxcb1-dev libxcb-xtest0-dev libxcb-xkb-dev libxcb-randr0-dev libxcb-xinput-dev
     libxcb-keysyms1-dev libxcb-shape0-dev libxkbcommon-dev x11proto-dev
 )
