@@ -32,7 +32,7 @@ void QVStatusItem::create()
     m_menu = std::make_unique<QMenu>();
     m_menu->setTitle(tr("Corvane Status Item"));
     m_menu->setAccessibleName(tr("Corvane"));
-    m_menu->setStyle(QVMenuSuffixStyle::shared());
+    QVMenuSuffixStyle::install(*m_menu);
     connect(m_menu.get(), &QMenu::aboutToShow, this, &QVStatusItem::menuNeedsUpdate);
     connect(m_menu.get(), &QMenu::aboutToHide, this, &QVStatusItem::menuDidClose);
 
