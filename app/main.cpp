@@ -4,6 +4,7 @@
 #include "QVInstalledResources.h"
 #include "QVLog.h"
 #include "QVMainController.h"
+#include "QVSingleInstance.h"
 #include "QVTimerDelayedPerformer.h"
 #include "QVUnixSignalWatcher.h"
 #include "QVUserDefaults.h"
@@ -107,19 +108,36 @@ int main(int argc, char **argv)
     QVEventParserApplication::setQuitOnLastWindowClosed(false);
     QVInstalledResources::installTranslators(application);
 
+    // Before any key is grabbed: a second Corvane on the same settings only asks the first to reopen.
+    const QString settingsPath
+        = commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath() : commandLine.settingsPath;
     QString error;
+    QVSingleInstance singleInstance(settingsPath);
+    if (!singleInstance.claim(&error)) {
+        if (!singleInstance.isHeldByAnotherInstance()) {
+            printLine(stderr, QStringLiteral("corvane: %1\n").arg(error));
+            return 1;
+        }
+        if (singleInstance.askRunningInstanceToReopen(&error))
+            return 0;
+        printLine(stderr,
+            QStringLiteral("corvane: another Corvane uses %1 but did not answer: %2\n").arg(settingsPath, error));
+        return 1;
+    }
+
     std::unique_ptr<QVX11Platform> platform = QVX11Platform::open(std::move(connection), &error);
     if (!platform) {
         printLine(stderr, QStringLiteral("corvane: %1\n").arg(error));
         return 1;
     }
 
-    QVUserDefaults defaults(
-        commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath() : commandLine.settingsPath);
+    QVUserDefaults defaults(settingsPath);
     QVUserDefaults::setStandardUserDefaults(&defaults);
 
     QVMainController controller(*platform, defaults);
     QVMainController::setDefaultController(&controller);
+    QObject::connect(&singleInstance, &QVSingleInstance::reopenRequested, &controller,
+        &QVMainController::applicationShouldHandleReopen);
 
     QVTimerDelayedPerformer repetitionTimer;
     application.setEventDispatcher(std::make_unique<QVEventDispatcher>(

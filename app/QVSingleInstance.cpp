@@ -1,0 +1,213 @@
+#include "QVSingleInstance.h"
+
+#include <QCryptographicHash>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QLockFile>
+#include <QThread>
+#include <QTimer>
+
+#include <cerrno>
+#include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr int connectMilliseconds = 3000;
+constexpr int answerMilliseconds = 3000;
+constexpr int retryMilliseconds = 50;
+// A peer that connects and never says a full line is dropped after this.
+constexpr int idlePeerMilliseconds = 5000;
+constexpr qint64 longestRequest = 64;
+const QByteArray reopenRequest = QByteArrayLiteral("reopen");
+const QByteArray acknowledgement = QByteArrayLiteral("ok");
+
+QString systemError(int number)
+{
+    return QString::fromLocal8Bit(std::strerror(number));
+}
+
+// Made if missing, then believed only when it is a real directory of this user that
+// nobody else may enter: another user could otherwise plant a socket that answers for us.
+bool makePrivateDirectory(const QString &path, QString *reason)
+{
+    const QByteArray native = QFile::encodeName(path);
+    if (::mkdir(native.constData(), 0700) != 0 && errno != EEXIST) {
+        *reason = QStringLiteral("cannot create %1: %2").arg(path, systemError(errno));
+        return false;
+    }
+    struct stat status = {};
+    if (::lstat(native.constData(), &status) != 0) {
+        *reason = QStringLiteral("cannot read %1: %2").arg(path, systemError(errno));
+        return false;
+    }
+    if (!S_ISDIR(status.st_mode))
+        *reason = QStringLiteral("%1 is not a directory").arg(path);
+    else if (status.st_uid != ::geteuid())
+        *reason = QStringLiteral("%1 belongs to another user").arg(path);
+    else if ((status.st_mode & 077) != 0)
+        *reason = QStringLiteral("%1 is open to other users (mode %2)").arg(path).arg(status.st_mode & 0777, 3, 8);
+    else
+        return true;
+    return false;
+}
+
+} // namespace
+
+QVSingleInstance::QVSingleInstance(const QString &settingsFilePath, QObject *parent)
+    : QObject(parent)
+    , m_settingsFilePath(settingsFilePath)
+{
+}
+
+QVSingleInstance::~QVSingleInstance() = default;
+
+QString QVSingleInstance::privateDirectory(QString *error)
+{
+    QString runtimeReason;
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (QDir::isAbsolutePath(runtime) && QFileInfo(runtime).isDir()) {
+        const QString directory = QDir::cleanPath(runtime + QStringLiteral("/corvane"));
+        if (makePrivateDirectory(directory, &runtimeReason))
+            return directory;
+    }
+    QString fallbackReason;
+    const QString fallback = QDir::cleanPath(QDir::tempPath() + QStringLiteral("/corvane-%1").arg(::geteuid()));
+    if (makePrivateDirectory(fallback, &fallbackReason))
+        return fallback;
+    *error = runtimeReason.isEmpty() ? fallbackReason : runtimeReason + QStringLiteral("; ") + fallbackReason;
+    return {};
+}
+
+bool QVSingleInstance::preparePaths(QString *error)
+{
+    if (!m_socketPath.isEmpty())
+        return true;
+    const QString directory = privateDirectory(error);
+    if (directory.isEmpty())
+        return false;
+    // Two spellings of one file are one instance; the hash keeps the socket path short.
+    const QString settings = QDir::cleanPath(QFileInfo(m_settingsFilePath).absoluteFilePath());
+    const QString name
+        = QString::fromLatin1(QCryptographicHash::hash(settings.toUtf8(), QCryptographicHash::Sha256).toHex().left(32));
+    m_lockPath = directory + u'/' + name + QStringLiteral(".lock");
+    m_socketPath = directory + u'/' + name + QStringLiteral(".socket");
+    return true;
+}
+
+bool QVSingleInstance::claim(QString *error)
+{
+    m_heldByAnother = false;
+    if (!preparePaths(error))
+        return false;
+    auto lock = std::make_unique<QLockFile>(m_lockPath);
+    // A lock is stale only when its process is gone; its age never counts, so a
+    // long-running owner is never robbed.
+    lock->setStaleLockTime(0);
+    if (!lock->tryLock(0)) {
+        if (lock->error() == QLockFile::LockFailedError) {
+            m_heldByAnother = true;
+            qint64 pid = 0;
+            QString host, application;
+            lock->getLockInfo(&pid, &host, &application);
+            *error = QStringLiteral("another Corvane (process %1) uses %2").arg(pid).arg(m_settingsFilePath);
+        } else {
+            *error = QStringLiteral("cannot lock %1").arg(m_lockPath);
+        }
+        return false;
+    }
+    m_lock = std::move(lock);
+    if (!listen(error)) {
+        m_lock.reset();
+        return false;
+    }
+    return true;
+}
+
+bool QVSingleInstance::listen(QString *error)
+{
+    m_server = std::make_unique<QLocalServer>();
+    m_server->setSocketOptions(QLocalServer::UserAccessOption);
+    // Whoever holds the lock owns the name: a socket file still there is a crashed owner's.
+    QLocalServer::removeServer(m_socketPath);
+    if (!m_server->listen(m_socketPath)) {
+        *error = QStringLiteral("cannot listen on %1: %2").arg(m_socketPath, m_server->errorString());
+        m_server.reset();
+        return false;
+    }
+    connect(m_server.get(), &QLocalServer::newConnection, this, &QVSingleInstance::acceptConnections);
+    return true;
+}
+
+void QVSingleInstance::acceptConnections()
+{
+    while (QLocalSocket *socket = m_server->nextPendingConnection()) {
+        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+        connect(socket, &QLocalSocket::readyRead, this, [this, socket] { answer(socket); });
+        QTimer::singleShot(idlePeerMilliseconds, socket, [socket] {
+            socket->abort();
+            socket->deleteLater();
+        });
+        answer(socket);
+    }
+}
+
+void QVSingleInstance::answer(QLocalSocket *socket)
+{
+    if (socket->state() != QLocalSocket::ConnectedState)
+        return;
+    if (!socket->canReadLine()) {
+        if (socket->bytesAvailable() > longestRequest)
+            socket->abort();
+        return;
+    }
+    const QByteArray request = socket->readLine(longestRequest + 1).trimmed();
+    const bool reopen = request == reopenRequest;
+    socket->write(reopen ? acknowledgement + '\n' : QByteArrayLiteral("unknown request\n"));
+    socket->disconnectFromServer();
+    if (reopen)
+        Q_EMIT reopenRequested();
+}
+
+bool QVSingleInstance::askRunningInstanceToReopen(QString *error)
+{
+    if (!preparePaths(error))
+        return false;
+    QLocalSocket socket;
+    // The owner takes the lock a moment before it listens: keep knocking for a while.
+    const QDeadlineTimer connectDeadline(connectMilliseconds);
+    for (;;) {
+        socket.connectToServer(m_socketPath);
+        if (socket.waitForConnected(int(connectDeadline.remainingTime())))
+            break;
+        if (connectDeadline.hasExpired()) {
+            *error = socket.errorString();
+            return false;
+        }
+        socket.abort();
+        QThread::msleep(retryMilliseconds);
+    }
+    socket.write(reopenRequest + '\n');
+    // Its event loop may still be busy starting; the answer gets a time of its own.
+    const QDeadlineTimer answerDeadline(answerMilliseconds);
+    while (!socket.canReadLine()) {
+        if (!socket.waitForReadyRead(int(answerDeadline.remainingTime()))) {
+            *error = socket.state() == QLocalSocket::ConnectedState
+                ? QStringLiteral("no answer within %1 s").arg(answerMilliseconds / 1000)
+                : QStringLiteral("it closed the connection");
+            return false;
+        }
+    }
+    const QByteArray answer = socket.readLine(longestRequest).trimmed();
+    if (answer != acknowledgement) {
+        *error = QStringLiteral("unexpected answer \"%1\"").arg(QString::fromUtf8(answer));
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,203 @@
+// corvane-restart BINARY PID [ARGUMENT...]
+//
+// Waits until process PID has ended, then starts BINARY with the arguments in a
+// session of its own. When PID does not end within the time limit, nothing is started:
+// that is the restart that was called off while its parent lives on.
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <optional>
+#include <poll.h>
+#include <signal.h>
+#include <string>
+#include <string_view>
+#include <sys/syscall.h>
+#include <sys/types.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+constexpr int defaultTimeoutMilliseconds = 10000;
+constexpr auto pollInterval = std::chrono::milliseconds(20);
+
+enum ExitCode { started = 0, notStarted = 1, badArguments = 2 };
+
+using Clock = std::chrono::steady_clock;
+
+int usage()
+{
+    std::fputs("usage: corvane-restart BINARY PID [ARGUMENT...]\n"
+               "Waits until process PID has ended, then starts BINARY with the arguments.\n",
+        stderr);
+    return badArguments;
+}
+
+std::optional<long long> parseNumber(std::string_view text)
+{
+    long long value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (text.empty() || error != std::errc() || end != text.data() + text.size())
+        return std::nullopt;
+    return value;
+}
+
+std::optional<pid_t> parsePid(std::string_view text)
+{
+    const std::optional<long long> value = parseNumber(text);
+    if (!value || *value <= 0 || *value > 0x3fffffff) // above the kernel's PID_MAX_LIMIT
+        return std::nullopt;
+    return pid_t(*value);
+}
+
+int timeoutMilliseconds()
+{
+    const char *text = std::getenv("CORVANE_RESTART_TIMEOUT_MS");
+    const std::optional<long long> value = text ? parseNumber(text) : std::nullopt;
+    return value && *value > 0 && *value <= 3600000 ? int(*value) : defaultTimeoutMilliseconds;
+}
+
+int remainingMilliseconds(Clock::time_point deadline)
+{
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    return left > 0 ? int(left) : 0;
+}
+
+// A zombie still answers kill(pid, 0) although it has ended: its parent has not reaped it yet.
+bool isGoneOrZombie(pid_t pid)
+{
+    if (::kill(pid, 0) != 0 && errno == ESRCH)
+        return true;
+    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+    std::string line;
+    if (!std::getline(stat, line))
+        return std::ifstream("/proc/self/stat").good(); // without /proc, kill's answer stands
+    const std::size_t nameEnd = line.rfind(')');
+    return nameEnd != std::string::npos && nameEnd + 2 < line.size() && line[nameEnd + 2] == 'Z';
+}
+
+bool waitByPolling(pid_t pid, Clock::time_point deadline)
+{
+    for (;;) {
+        if (isGoneOrZombie(pid))
+            return true;
+        if (Clock::now() >= deadline)
+            return false;
+        std::this_thread::sleep_for(pollInterval);
+    }
+}
+
+// A pid file descriptor turns readable when the process ends, without a polling loop;
+// older kernels (before 5.3) lack it, and CORVANE_RESTART_POLL forces the loop for tests.
+std::optional<bool> waitByPidfd(pid_t pid, Clock::time_point deadline)
+{
+#ifdef SYS_pidfd_open
+    if (std::getenv("CORVANE_RESTART_POLL"))
+        return std::nullopt;
+    const int descriptor = int(::syscall(SYS_pidfd_open, pid, 0));
+    if (descriptor < 0)
+        return errno == ESRCH ? std::optional<bool>(true) : std::nullopt;
+    pollfd entry { descriptor, POLLIN, 0 };
+    int result = 0;
+    do {
+        result = ::poll(&entry, 1, remainingMilliseconds(deadline));
+    } while (result < 0 && errno == EINTR);
+    ::close(descriptor);
+    if (result < 0)
+        return std::nullopt;
+    return result > 0;
+#else
+    (void)pid;
+    (void)deadline;
+    return std::nullopt;
+#endif
+}
+
+bool waitForEnd(pid_t pid, int timeout)
+{
+    const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeout);
+    if (const std::optional<bool> ended = waitByPidfd(pid, deadline))
+        return *ended;
+    return waitByPolling(pid, deadline);
+}
+
+void redirectToNull(bool keepOutput)
+{
+    const int null = ::open("/dev/null", O_RDWR);
+    if (null < 0)
+        return;
+    ::dup2(null, STDIN_FILENO);
+    if (!keepOutput) {
+        ::dup2(null, STDOUT_FILENO);
+        ::dup2(null, STDERR_FILENO);
+    }
+    if (null > STDERR_FILENO)
+        ::close(null);
+}
+
+// Forks, and in the child leaves this session and executes the program; the child
+// reports a failed exec through a pipe that a successful exec closes.
+int start(char *binary, char **arguments)
+{
+    int report[2];
+    if (::pipe2(report, O_CLOEXEC) != 0) {
+        std::fprintf(stderr, "corvane-restart: cannot make a pipe: %s\n", std::strerror(errno));
+        return notStarted;
+    }
+    const pid_t child = ::fork();
+    if (child < 0) {
+        std::fprintf(stderr, "corvane-restart: cannot fork: %s\n", std::strerror(errno));
+        return notStarted;
+    }
+    if (child == 0) {
+        ::close(report[0]);
+        ::setsid();
+        redirectToNull(std::getenv("CORVANE_RESTART_INHERIT_STDIO") != nullptr);
+        ::execv(binary, arguments);
+        const int error = errno;
+        [[maybe_unused]] const ssize_t written = ::write(report[1], &error, sizeof error);
+        ::_exit(127);
+    }
+    ::close(report[1]);
+    int error = 0;
+    ssize_t got = 0;
+    do {
+        got = ::read(report[0], &error, sizeof error);
+    } while (got < 0 && errno == EINTR);
+    ::close(report[0]);
+    if (got == ssize_t(sizeof error)) {
+        std::fprintf(stderr, "corvane-restart: cannot start %s: %s\n", binary, std::strerror(error));
+        return notStarted;
+    }
+    return started;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc < 3 || argv[1][0] == '\0')
+        return usage();
+    const std::optional<pid_t> pid = parsePid(argv[2]);
+    if (!pid)
+        return usage();
+    const int timeout = timeoutMilliseconds();
+    if (!waitForEnd(*pid, timeout)) {
+        std::fprintf(
+            stderr, "corvane-restart: process %d still runs after %d ms; nothing started\n", int(*pid), timeout);
+        return notStarted;
+    }
+    // BINARY becomes its own argv[0], the remaining arguments follow.
+    std::vector<char *> arguments { argv[1] };
+    for (int index = 3; index < argc; ++index)
+        arguments.push_back(argv[index]);
+    arguments.push_back(nullptr);
+    return start(argv[1], arguments.data());
+}
