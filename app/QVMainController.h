@@ -118,7 +118,9 @@ private:
     std::unique_ptr<QVTaskbarPresence> m_taskbarPresence;
     QVApplicationMode m_mode;
     std::unique_ptr<QVLoginItem> m_loginItem;
-    std::unique_ptr<QVSparkleWrapper> m_updater; // none in a build without update checks
+#ifdef CORVANE_UPDATE_CHECKS
+    std::unique_ptr<QVSparkleWrapper> m_updater;
+#endif
     QVContextMenuBuilder m_menuBuilder;
     std::unique_ptr<QVStatusItem> m_statusItem;
     std::unique_ptr<QVPreferencesWindow> m_preferencesWindow; // made when first shown
