@@ -10,7 +10,10 @@ namespace
 
 constexpr int maximumRedirects = 5;
 
-QString displayAddress(const QUrl &url) { return url.toDisplayString(QUrl::RemoveUserInfo); }
+QString displayAddress(const QUrl &url)
+{
+    return url.toDisplayString(QUrl::RemoveUserInfo);
+}
 
 } // namespace
 
@@ -22,7 +25,10 @@ QVAppcastClient::QVAppcastClient(QNetworkAccessManager *manager, QObject *parent
     connect(&m_timer, &QTimer::timeout, this, &QVAppcastClient::timedOut);
 }
 
-QVAppcastClient::~QVAppcastClient() { dropReply(); }
+QVAppcastClient::~QVAppcastClient()
+{
+    dropReply();
+}
 
 bool QVAppcastClient::isLoopbackUrl(const QUrl &url)
 {
@@ -51,23 +57,27 @@ void QVAppcastClient::fetch(const QUrl &feedUrl)
                       .arg(displayAddress(feedUrl)));
         return;
     }
-    m_currentUrl = feedUrl;
     m_feedIsLoopback = isLoopbackUrl(feedUrl);
-    m_data.clear();
+    m_redirects = 0;
+    m_timer.start(m_timeout); // for the whole check, redirects included
+    sendRequest(feedUrl);
+}
 
-    QNetworkRequest request(feedUrl);
+// Redirects are followed here rather than by Qt, so that each target is judged before it is contacted.
+void QVAppcastClient::sendRequest(const QUrl &url)
+{
+    m_currentUrl = url;
+    m_data.clear();
+    QNetworkRequest request(url);
     request.setRawHeader("User-Agent", m_userAgent);
     request.setRawHeader("Accept", "application/rss+xml, application/xml;q=0.9, text/xml;q=0.8");
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
-    request.setMaximumRedirectsAllowed(maximumRedirects);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
 
     m_reply = m_manager->get(request);
     connect(m_reply, &QNetworkReply::readyRead, this, &QVAppcastClient::dataArrived);
-    connect(m_reply, &QNetworkReply::redirected, this, &QVAppcastClient::redirected);
     connect(m_reply, &QNetworkReply::finished, this, &QVAppcastClient::replyFinished);
-    m_timer.start(m_timeout);
 }
 
 void QVAppcastClient::cancel()
@@ -98,22 +108,31 @@ void QVAppcastClient::dataArrived()
                  .arg(QString::number(m_maximumSize / 1024)));
 }
 
-void QVAppcastClient::redirected(const QUrl &target)
+void QVAppcastClient::redirect(const QUrl &target)
 {
+    if (++m_redirects > maximumRedirects) {
+        fail(tr("The update feed redirects too often; the check was stopped."));
+        return;
+    }
     const QUrl resolved = m_currentUrl.resolved(target);
     if (!isAllowedUrl(resolved, m_feedIsLoopback)) {
         fail(tr("The update feed redirects to %1, which is not a secure (https) address; the check was stopped.")
                  .arg(displayAddress(resolved)));
         return;
     }
-    m_currentUrl = resolved;
-    m_data.clear();
-    Q_EMIT m_reply->redirectAllowed();
+    dropReply();
+    sendRequest(resolved);
 }
 
 void QVAppcastClient::replyFinished()
 {
-    if (m_reply->error() != QNetworkReply::NoError) {
+    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const QUrl target = m_reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+    if (status >= 300 && status < 400 && target.isValid() && !target.isEmpty()) {
+        redirect(target);
+        return;
+    }
+    if (m_reply->error() != QNetworkReply::NoError || status < 200 || status > 299) {
         fail(errorMessage());
         return;
     }
@@ -141,8 +160,8 @@ QString QVAppcastClient::errorMessage() const
                      .arg(QString::number(status),
                          m_reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString())
                      .trimmed());
-    if (m_reply->error() == QNetworkReply::TooManyRedirectsError)
-        return tr("The update feed redirects too often; the check was stopped.");
+    if (m_reply->error() == QNetworkReply::NoError)
+        return tr("The update server answered with an error (HTTP %1).").arg(status);
     return tr("The update server could not be reached: %1").arg(m_reply->errorString());
 }
 

@@ -12,7 +12,6 @@
 
 class QNetworkAccessManager;
 
-
 // Fetches one appcast feed at a time and nothing else. Only https feeds are read,
 // or http ones on the loopback interface (for a feed served on this machine);
 // a redirect must keep to the same rule. Every fetch ends with exactly one of
@@ -48,7 +47,8 @@ Q_SIGNALS:
 
 private:
     void dataArrived();
-    void redirected(const QUrl &target);
+    void sendRequest(const QUrl &url);
+    void redirect(const QUrl &target);
     void replyFinished();
     void timedOut();
     void fail(const QString &message);
@@ -62,6 +62,7 @@ private:
     QByteArray m_data;
     QUrl m_currentUrl;
     bool m_feedIsLoopback = false;
+    int m_redirects = 0;
     bool m_pendingFailure = false;
     std::chrono::milliseconds m_timeout { std::chrono::seconds(20) };
     qint64 m_maximumSize = 2 * 1024 * 1024;

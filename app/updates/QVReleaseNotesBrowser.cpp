@@ -27,7 +27,10 @@ QVReleaseNotesBrowser::QVReleaseNotesBrowser(QWidget *parent)
     setAccessibleName(tr("Release notes"));
 }
 
-void QVReleaseNotesBrowser::setReleaseNotes(const QString &html) { setHtml(withoutScripts(html)); }
+void QVReleaseNotesBrowser::setReleaseNotes(const QString &html)
+{
+    setHtml(withoutScripts(html));
+}
 
 QVariant QVReleaseNotesBrowser::loadResource(int type, const QUrl &name)
 {

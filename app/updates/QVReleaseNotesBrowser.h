@@ -4,7 +4,7 @@
 
 // Shows a feed's HTML release notes and loads nothing on their behalf: no remote
 // or local images, style sheets or pages, only what data: addresses carry inline.
-// Links stay inert.
+// A clicked link is only reported (anchorClicked).
 class QVReleaseNotesBrowser final : public QTextBrowser
 {
     Q_OBJECT

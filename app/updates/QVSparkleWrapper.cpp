@@ -29,7 +29,10 @@ constexpr qint64 overdueCheckDelay = 10; // seconds
 
 QVSparkleWrapper *sharedWrapper = nullptr;
 
-qint64 now() { return QDateTime::currentSecsSinceEpoch(); }
+qint64 now()
+{
+    return QDateTime::currentSecsSinceEpoch();
+}
 
 } // namespace
 
@@ -59,9 +62,15 @@ QVSparkleWrapper::~QVSparkleWrapper()
         sharedWrapper = nullptr;
 }
 
-QVSparkleWrapper *QVSparkleWrapper::sharedSparkleWrapper() { return sharedWrapper; }
+QVSparkleWrapper *QVSparkleWrapper::sharedSparkleWrapper()
+{
+    return sharedWrapper;
+}
 
-void QVSparkleWrapper::setSharedSparkleWrapper(QVSparkleWrapper *wrapper) { sharedWrapper = wrapper; }
+void QVSparkleWrapper::setSharedSparkleWrapper(QVSparkleWrapper *wrapper)
+{
+    sharedWrapper = wrapper;
+}
 
 QUrl QVSparkleWrapper::feedURL() const
 {
@@ -83,7 +92,10 @@ void QVSparkleWrapper::checkForUpdates()
     startCheck(true);
 }
 
-bool QVSparkleWrapper::automaticallyChecksForUpdates() const { return m_defaults.boolForKey(automaticChecksKey); }
+bool QVSparkleWrapper::automaticallyChecksForUpdates() const
+{
+    return m_defaults.boolForKey(automaticChecksKey);
+}
 
 void QVSparkleWrapper::toggleAutomaticChecking()
 {
@@ -111,7 +123,10 @@ QJsonObject &QVSparkleWrapper::mutableStatus()
     return *m_status;
 }
 
-QJsonObject QVSparkleWrapper::status() { return mutableStatus(); }
+QJsonObject QVSparkleWrapper::status()
+{
+    return mutableStatus();
+}
 
 void QVSparkleWrapper::setUpdateVersion(const QString &version)
 {
@@ -154,9 +169,15 @@ void QVSparkleWrapper::updaterDidFindValidUpdate(const QVAppcastItem &item)
     setUpdateVersion(item.displayVersionString);
 }
 
-void QVSparkleWrapper::updaterDidNotFindUpdate() { setUpdateVersion(QLatin1String("")); }
+void QVSparkleWrapper::updaterDidNotFindUpdate()
+{
+    setUpdateVersion(QLatin1String(""));
+}
 
-void QVSparkleWrapper::updaterDidNotFindUpdateFallback() { setUpdateVersion(QLatin1String("")); }
+void QVSparkleWrapper::updaterDidNotFindUpdateFallback()
+{
+    setUpdateVersion(QLatin1String(""));
+}
 
 void QVSparkleWrapper::setUpdatePreferencesWindowFrame(std::function<void()> callback)
 {
@@ -216,8 +237,8 @@ void QVSparkleWrapper::appcastLoaded(const QVAppcast &appcast)
     updaterDidFinishLoadingAppcast(appcast);
     const std::optional<QVAppcastItem> item = appcast.bestItemNewerThan(m_applicationVersion);
     // "Skip This Version" quiets the automatic checks only; asking still shows it.
-    const bool skipped = item && !m_userInitiated
-        && item->versionString == m_defaults.objectForKey(skippedVersionKey).toString();
+    const bool skipped
+        = item && !m_userInitiated && item->versionString == m_defaults.objectForKey(skippedVersionKey).toString();
     if (item && !skipped) {
         updaterDidFindValidUpdate(*item);
         dialog().showUpdateAvailable(m_applicationName, m_applicationVersion, *item, downloadPageFor(*item));

@@ -7,6 +7,7 @@
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLayout>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStyle>
@@ -33,6 +34,11 @@ QVUpdateDialog::QVUpdateDialog(QWidget *parent)
     m_progress->setTextVisible(false);
     m_progress->setAccessibleName(tr("Checking progress"));
     m_releaseNotes->setMinimumSize(480, 220);
+    // Links in the notes open in the browser when clicked; nothing is loaded here.
+    connect(m_releaseNotes, &QTextBrowser::anchorClicked, this, [](const QUrl &url) {
+        if (url.scheme() == QLatin1String("https") || url.scheme() == QLatin1String("http"))
+            QDesktopServices::openUrl(url);
+    });
     m_buttons->setAccessibleName(tr("Update actions"));
 
     m_cancelButton = addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
@@ -53,6 +59,7 @@ QVUpdateDialog::QVUpdateDialog(QWidget *parent)
     icon->setPixmap(QApplication::windowIcon().pixmap(64, 64));
     icon->setAlignment(Qt::AlignTop);
     icon->setAccessibleName(tr("Application icon"));
+    icon->setVisible(!icon->pixmap().isNull());
     auto *text = new QVBoxLayout;
     text->addWidget(m_headline);
     text->addWidget(m_detail);
@@ -101,10 +108,16 @@ void QVUpdateDialog::enterState(State state, const QString &headline, const QStr
                                                           : m_okButton;
     defaultButton->setDefault(true);
     defaultButton->setFocus();
-    adjustSize();
+    // The children just shown or hidden count only once the layout has been worked out again;
+    // adjustSize() would hold the window to two thirds of a small screen and cut off the notes.
+    layout()->activate();
+    resize(sizeHint());
 }
 
-void QVUpdateDialog::showChecking() { enterState(State::Checking, tr("Checking for updates…"), {}); }
+void QVUpdateDialog::showChecking()
+{
+    enterState(State::Checking, tr("Checking for updates…"), {});
+}
 
 void QVUpdateDialog::showUpToDate(const QString &applicationName, const QString &version)
 {

@@ -25,8 +25,8 @@ public:
 
     void showChecking();
     void showUpToDate(const QString &applicationName, const QString &version);
-    void showUpdateAvailable(const QString &applicationName, const QString &currentVersion,
-        const QVAppcastItem &item, const QUrl &downloadPage);
+    void showUpdateAvailable(const QString &applicationName, const QString &currentVersion, const QVAppcastItem &item,
+        const QUrl &downloadPage);
     void showError(const QString &message);
 
     QLabel *headline() const { return m_headline; }

@@ -54,7 +54,10 @@ int compareNumbers(QStringView a, QStringView b)
     return a.compare(b);
 }
 
-bool isZero(const Part &part) { return part.kind == Kind::Number && withoutLeadingZeros(part.text) == u"0"; }
+bool isZero(const Part &part)
+{
+    return part.kind == Kind::Number && withoutLeadingZeros(part.text) == u"0";
+}
 
 // What the parts left over after the common length mean for the longer version:
 // older when its first telling part is letters (a pre-release), newer when it is
@@ -71,7 +74,10 @@ int compareRemainder(const QList<Part> &longer, qsizetype from)
     return 0;
 }
 
-int sign(int value) { return (value > 0) - (value < 0); }
+int sign(int value)
+{
+    return (value > 0) - (value < 0);
+}
 
 } // namespace
 

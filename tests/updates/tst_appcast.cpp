@@ -99,14 +99,14 @@ void tst_Appcast::versionComparison()
 
 void tst_Appcast::parsesAnItem()
 {
-    const QVAppcast appcast = QVAppcast::fromData(feed(
-        "<item><title>Corvane 2.1</title>"
-        "<description><![CDATA[<h2>New</h2><p>Faster &amp; smaller</p>]]></description>"
-        "<link>https://corvane.org/download/</link>"
-        "<sparkle:releaseNotesLink>https://corvane.org/notes/2.1.html</sparkle:releaseNotesLink>"
-        "<pubDate>Sat, 05 Mar 2011 09:07:00 +0000</pubDate>"
-        "<enclosure url=\"https://corvane.org/c.deb\" sparkle:version=\"210\" sparkle:shortVersionString=\"2.1\"/>"
-        "</item>"));
+    const QVAppcast appcast = QVAppcast::fromData(
+        feed("<item><title>Corvane 2.1</title>"
+             "<description><![CDATA[<h2>New</h2><p>Faster &amp; smaller</p>]]></description>"
+             "<link>https://corvane.org/download/</link>"
+             "<sparkle:releaseNotesLink>https://corvane.org/notes/2.1.html</sparkle:releaseNotesLink>"
+             "<pubDate>Sat, 05 Mar 2011 09:07:00 +0000</pubDate>"
+             "<enclosure url=\"https://corvane.org/c.deb\" sparkle:version=\"210\" sparkle:shortVersionString=\"2.1\"/>"
+             "</item>"));
     QVERIFY2(appcast.isValid(), qPrintable(appcast.errorString()));
     QCOMPARE(appcast.items().size(), 1);
     const QVAppcastItem &item = appcast.items().first();
