@@ -53,6 +53,11 @@ QVSparkleWrapper::QVSparkleWrapper(QVUserDefaults &defaults, const QString &appl
     m_automaticCheckTimer.setSingleShot(true);
     m_automaticCheckTimer.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_automaticCheckTimer, &QTimer::timeout, this, &QVSparkleWrapper::automaticCheckDue);
+    // The switch may have been edited in the settings file.
+    connect(&m_defaults, &QVUserDefaults::changedExternally, this, [this] {
+        resetUpdateCycle();
+        updateControls();
+    });
     resetUpdateCycle();
 }
 

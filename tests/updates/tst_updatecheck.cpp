@@ -1,6 +1,7 @@
 #include "QVAppcastClient.h"
 #include "QVFeedServer.h"
 #include "QVLogCapture.h"
+#include "QVOutsideWriter.h"
 #include "QVReleaseNotesBrowser.h"
 #include "QVSparkleWrapper.h"
 #include "QVUpdateDialog.h"
@@ -382,8 +383,12 @@ void tst_UpdateCheck::automaticCheckScheduling()
     QVERIFY(!m_defaults->boolForKey(automaticKey));
     QVERIFY(!m_wrapper->automaticCheckTimer().isActive());
 
+    // Turned on in the settings file by hand, it takes effect as well.
+    QVERIFY(QVOutsideWriter::write(m_defaults->filePath(), R"({"SUEnableAutomaticChecks": true})"));
+    QTRY_VERIFY(m_wrapper->automaticCheckTimer().isActive());
+    QVERIFY(page.autoUpdateCheckingSwitch()->isChecked());
+
     // A manual check starts the day afresh.
-    m_defaults->setObject(true, automaticKey);
     checkFeed("/same");
     waitForVerdict();
     QVERIFY(m_wrapper->automaticCheckTimer().remainingTime() > 24 * 60 * 60 * 1000 - 60 * 1000);
