@@ -1,5 +1,7 @@
 #include "QVTestStatusNotifierWatcher.h"
 
+#include <QDBusError>
+
 QVTestStatusNotifierWatcher::QVTestStatusNotifierWatcher(QDBusConnection connection)
     : m_connection(std::move(connection))
 {
