@@ -92,10 +92,11 @@ bool QVSingleInstance::preparePaths(QString *error)
     const QString directory = privateDirectory(error);
     if (directory.isEmpty())
         return false;
-    // Two spellings of one file are one instance; the hash keeps the socket path short.
+    // Two spellings of one file are one instance; the hash keeps the socket path short
+    // (a local socket's path has room for 107 bytes only).
     const QString settings = QDir::cleanPath(QFileInfo(m_settingsFilePath).absoluteFilePath());
     const QString name
-        = QString::fromLatin1(QCryptographicHash::hash(settings.toUtf8(), QCryptographicHash::Sha256).toHex().left(32));
+        = QString::fromLatin1(QCryptographicHash::hash(settings.toUtf8(), QCryptographicHash::Sha256).toHex().left(24));
     m_lockPath = directory + u'/' + name + QStringLiteral(".lock");
     m_socketPath = directory + u'/' + name + QStringLiteral(".socket");
     return true;

@@ -65,9 +65,12 @@ bool QVCorvaneProcess::start()
 
 int QVCorvaneProcess::stop(int signalNumber)
 {
-    ::kill(pid_t(m_process.processId()), signalNumber);
-    if (!m_process.waitForFinished(15000))
-        return -1;
+    // Never kill(0, ...): that would be the test's whole process group.
+    if (isRunning() && m_process.processId() > 0) {
+        ::kill(pid_t(m_process.processId()), signalNumber);
+        if (!m_process.waitForFinished(15000))
+            return -1;
+    }
     log();
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
