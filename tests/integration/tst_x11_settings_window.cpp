@@ -9,6 +9,7 @@
 #include "QVTestXServer.h"
 
 #include <QDir>
+#include <QUrl>
 #include <QFile>
 #include <QtTest>
 
@@ -72,7 +73,7 @@ void TestX11SettingsWindow::init()
     const QString accessibilityBus = m_bus->accessibilityBusAddress();
     QVERIFY(!accessibilityBus.isEmpty());
     m_tree = std::make_unique<QVAccessibilityTree>(m_bus->address(), accessibilityBus);
-    m_settingsPath = m_server->temporaryPath(QStringLiteral("%1.json").arg(QTest::currentTestFunction()));
+    m_settingsPath = m_server->temporaryPath(QString::fromLatin1(QTest::currentTestFunction()) + QStringLiteral(".json"));
 }
 
 void TestX11SettingsWindow::cleanup()

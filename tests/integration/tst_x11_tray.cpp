@@ -8,6 +8,8 @@
 #include "QVTestStatusNotifierWatcher.h"
 #include "QVTestXServer.h"
 
+#include <QDBusMessage>
+#include <QDBusVariant>
 #include <QJsonArray>
 #include <QRegularExpression>
 #include <QtTest>
@@ -83,7 +85,7 @@ void TestX11Tray::init()
     QString error;
     m_bus = std::make_unique<QVTestSessionBus>();
     QVERIFY2(m_bus->start(&error), qPrintable(error));
-    m_settingsPath = m_server->temporaryPath(QStringLiteral("%1.json").arg(QTest::currentTestFunction()));
+    m_settingsPath = m_server->temporaryPath(QString::fromLatin1(QTest::currentTestFunction()) + QStringLiteral(".json"));
 }
 
 void TestX11Tray::cleanup()
