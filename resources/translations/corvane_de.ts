@@ -5,144 +5,145 @@
     <name>QVAboutDialog</name>
     <message>
         <source>About Corvane</source>
-        <translation type="unfinished"></translation>
+        <translation>Über Corvane</translation>
     </message>
     <message>
         <source>Corvane icon</source>
-        <translation type="unfinished"></translation>
+        <translation>Corvane-Symbol</translation>
     </message>
     <message>
         <source>Corvane</source>
-        <translation type="unfinished"></translation>
+        <translation>Corvane</translation>
     </message>
     <message>
         <source>Version %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Version %1</translation>
     </message>
     <message>
         <source>Drives the mouse pointer from the keyboard with hot keys of your own.</source>
-        <translation type="unfinished"></translation>
+        <translation>Steuert den Mauszeiger über die Tastatur, mit Ihren eigenen Tastenkürzeln.</translation>
     </message>
     <message>
         <source>corvane.org</source>
-        <translation type="unfinished"></translation>
+        <translation>corvane.org</translation>
     </message>
     <message>
         <source>Corvane&apos;s web site</source>
-        <translation type="unfinished"></translation>
+        <translation>Website von Corvane</translation>
     </message>
     <message>
         <source>© 2026 The Corvane developers
 Distributed under the MIT licence.</source>
-        <translation type="unfinished"></translation>
+        <translation>© 2026 Die Corvane-Entwickler
+Verbreitet unter der MIT-Lizenz.</translation>
     </message>
     <message>
         <source>Buttons</source>
-        <translation type="unfinished"></translation>
+        <translation>Schaltflächen</translation>
     </message>
     <message>
         <source>Close</source>
-        <translation type="unfinished"></translation>
+        <translation>Schließen</translation>
     </message>
 </context>
 <context>
     <name>QVActionsPreferencesPage</name>
     <message>
         <source>Actions</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktionen</translation>
     </message>
     <message>
         <source>Your custom controls will be listed here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Hier werden Ihre Aktionen aufgelistet.</translation>
     </message>
     <message>
         <source>Custom controls list</source>
-        <translation type="unfinished"></translation>
+        <translation>Liste der Aktionen</translation>
     </message>
     <message>
         <source>Custom controls</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktionen</translation>
     </message>
 </context>
 <context>
     <name>QVAppcast</name>
     <message>
         <source>The update feed is empty.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungs-Feed ist leer.</translation>
     </message>
     <message>
         <source>The update feed is damaged (line %1: %2).</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungs-Feed ist beschädigt (Zeile %1: %2).</translation>
     </message>
     <message>
         <source>The update feed is not an appcast: it has no channel.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungs-Feed ist kein Appcast: Er enthält keinen Kanal.</translation>
     </message>
     <message>
         <source>The update feed lists no versions.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungs-Feed nennt keine Versionen.</translation>
     </message>
 </context>
 <context>
     <name>QVAppcastClient</name>
     <message>
         <source>The update feed %1 is not a secure (https) address, so it was not contacted.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungs-Feed %1 ist keine sichere (https-)Adresse und wurde daher nicht abgerufen.</translation>
     </message>
     <message>
         <source>The update feed is larger than %1 KiB; the check was stopped.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungs-Feed ist größer als %1 KiB; die Suche wurde abgebrochen.</translation>
     </message>
     <message>
         <source>The update feed redirects too often; the check was stopped.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungs-Feed leitet zu oft weiter; die Suche wurde abgebrochen.</translation>
     </message>
     <message>
         <source>The update feed redirects to %1, which is not a secure (https) address; the check was stopped.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungs-Feed leitet zu %1 weiter, keiner sicheren (https-)Adresse; die Suche wurde abgebrochen.</translation>
     </message>
     <message>
         <source>The update feed was not found on the server (HTTP %1).</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungs-Feed wurde auf dem Server nicht gefunden (HTTP %1).</translation>
     </message>
     <message>
         <source>The update server answered with an error (HTTP %1).</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungsserver antwortete mit einem Fehler (HTTP %1).</translation>
     </message>
     <message>
         <source>The update server could not be reached: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungsserver ist nicht erreichbar: %1</translation>
     </message>
     <message>
         <source>The update server did not answer in time; the check was stopped.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Aktualisierungsserver antwortete nicht rechtzeitig; die Suche wurde abgebrochen.</translation>
     </message>
 </context>
 <context>
     <name>QVContextMenuBuilder</name>
     <message>
         <source>About Corvane</source>
-        <translation type="unfinished"></translation>
+        <translation>Über Corvane</translation>
     </message>
     <message>
         <source>Check for Updates</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach Aktualisierungen suchen</translation>
     </message>
     <message>
         <source>Help</source>
-        <translation type="unfinished"></translation>
+        <translation>Hilfe</translation>
     </message>
     <message>
         <source>Enable Debug Logging</source>
-        <translation type="unfinished"></translation>
+        <translation>Fehlerprotokoll einschalten</translation>
     </message>
     <message>
         <source>Settings</source>
-        <translation type="unfinished"></translation>
+        <translation>Einstellungen</translation>
     </message>
     <message>
         <source>Quit</source>
-        <translation type="unfinished"></translation>
+        <translation>Beenden</translation>
     </message>
 </context>
 <context>
@@ -284,252 +285,252 @@ Distributed under the MIT licence.</source>
     <name>QVGeneralPreferencesPage</name>
     <message>
         <source>Start at login</source>
-        <translation type="unfinished"></translation>
+        <translation>Beim Anmelden starten</translation>
     </message>
     <message>
         <source>Show settings at launch</source>
-        <translation type="unfinished"></translation>
+        <translation>Einstellungen beim Start zeigen</translation>
     </message>
     <message>
         <source>General</source>
-        <translation type="unfinished"></translation>
+        <translation>Allgemein</translation>
     </message>
     <message>
         <source>Show Corvane as</source>
-        <translation type="unfinished"></translation>
+        <translation>Corvane zeigen als</translation>
     </message>
     <message>
         <source>Window in the task bar</source>
-        <translation type="unfinished"></translation>
+        <translation>Fenster in der Taskleiste</translation>
     </message>
     <message>
         <source>Icon in the system tray</source>
-        <translation type="unfinished"></translation>
+        <translation>Symbol im Systembereich</translation>
     </message>
     <message>
         <source>In the background (no window, no icon)</source>
-        <translation type="unfinished"></translation>
+        <translation>Im Hintergrund (ohne Fenster und Symbol)</translation>
     </message>
     <message>
         <source>Corvane has neither a window nor an icon, and your hot keys keep working. To reach these settings, launch Corvane again, for example from the application menu.</source>
-        <translation type="unfinished"></translation>
+        <translation>Corvane hat weder ein Fenster noch ein Symbol, und Ihre Tastenkürzel wirken weiter. Um diese Einstellungen zu erreichen, starten Sie Corvane noch einmal, etwa aus dem Anwendungsmenü.</translation>
     </message>
     <message>
         <source>Show Corvane as:</source>
-        <translation type="unfinished"></translation>
+        <translation>Corvane zeigen als:</translation>
     </message>
     <message>
         <source>Start-up:</source>
-        <translation type="unfinished"></translation>
+        <translation>Start:</translation>
     </message>
 </context>
 <context>
     <name>QVLoginItem</name>
     <message>
         <source>Drive the mouse pointer from the keyboard</source>
-        <translation type="unfinished"></translation>
+        <translation>Den Mauszeiger mit der Tastatur steuern</translation>
     </message>
 </context>
 <context>
     <name>QVMainController</name>
     <message>
         <source>Corvane Context Menu</source>
-        <translation type="unfinished"></translation>
+        <translation>Corvane-Kontextmenü</translation>
     </message>
 </context>
 <context>
     <name>QVPreferencesWindow</name>
     <message>
         <source>Corvane</source>
-        <translation type="unfinished"></translation>
+        <translation>Corvane</translation>
     </message>
     <message>
         <source>Corvane Settings</source>
-        <translation type="unfinished"></translation>
+        <translation>Corvane-Einstellungen</translation>
     </message>
     <message>
         <source>Settings pages</source>
-        <translation type="unfinished"></translation>
+        <translation>Einstellungsseiten</translation>
     </message>
     <message>
         <source>General</source>
-        <translation type="unfinished"></translation>
+        <translation>Allgemein</translation>
     </message>
     <message>
         <source>General Settings</source>
-        <translation type="unfinished"></translation>
+        <translation>Allgemeine Einstellungen</translation>
     </message>
     <message>
         <source>Actions</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktionen</translation>
     </message>
     <message>
         <source>Updates</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktualisierungen</translation>
     </message>
     <message>
         <source>Settings toolbar</source>
-        <translation type="unfinished"></translation>
+        <translation>Werkzeugleiste der Einstellungen</translation>
     </message>
     <message>
         <source>Space</source>
-        <translation type="unfinished"></translation>
+        <translation>Zwischenraum</translation>
     </message>
     <message>
         <source>Help</source>
-        <translation type="unfinished"></translation>
+        <translation>Hilfe</translation>
     </message>
     <message>
         <source>Toolbar style</source>
-        <translation type="unfinished"></translation>
+        <translation>Stil der Werkzeugleiste</translation>
     </message>
     <message>
         <source>Icon and Text</source>
-        <translation type="unfinished"></translation>
+        <translation>Symbol und Text</translation>
     </message>
     <message>
         <source>Icon Only</source>
-        <translation type="unfinished"></translation>
+        <translation>Nur Symbol</translation>
     </message>
     <message>
         <source>Text Only</source>
-        <translation type="unfinished"></translation>
+        <translation>Nur Text</translation>
     </message>
 </context>
 <context>
     <name>QVReleaseNotesBrowser</name>
     <message>
         <source>Release notes</source>
-        <translation type="unfinished"></translation>
+        <translation>Versionshinweise</translation>
     </message>
 </context>
 <context>
     <name>QVStatusItem</name>
     <message>
         <source>Corvane Status Item</source>
-        <translation type="unfinished"></translation>
+        <translation>Corvane-Statussymbol</translation>
     </message>
     <message>
         <source>Corvane</source>
-        <translation type="unfinished"></translation>
+        <translation>Corvane</translation>
     </message>
 </context>
 <context>
     <name>QVUpdateDialog</name>
     <message>
         <source>Software Update</source>
-        <translation type="unfinished"></translation>
+        <translation>Softwareaktualisierung</translation>
     </message>
     <message>
         <source>Update status</source>
-        <translation type="unfinished"></translation>
+        <translation>Status der Aktualisierung</translation>
     </message>
     <message>
         <source>Update details</source>
-        <translation type="unfinished"></translation>
+        <translation>Details der Aktualisierung</translation>
     </message>
     <message>
         <source>Checking progress</source>
-        <translation type="unfinished"></translation>
+        <translation>Fortschritt der Suche</translation>
     </message>
     <message>
         <source>Update actions</source>
-        <translation type="unfinished"></translation>
+        <translation>Schaltflächen zur Aktualisierung</translation>
     </message>
     <message>
         <source>Cancel</source>
-        <translation type="unfinished"></translation>
+        <translation>Abbrechen</translation>
     </message>
     <message>
         <source>OK</source>
-        <translation type="unfinished"></translation>
+        <translation>OK</translation>
     </message>
     <message>
         <source>Skip This Version</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Version überspringen</translation>
     </message>
     <message>
         <source>Remind Me Later</source>
-        <translation type="unfinished"></translation>
+        <translation>Später erinnern</translation>
     </message>
     <message>
         <source>Download Page</source>
-        <translation type="unfinished"></translation>
+        <translation>Download-Seite</translation>
     </message>
     <message>
         <source>Application icon</source>
-        <translation type="unfinished"></translation>
+        <translation>Programmsymbol</translation>
     </message>
     <message>
         <source>Checking for updates…</source>
-        <translation type="unfinished"></translation>
+        <translation>Suche nach Aktualisierungen …</translation>
     </message>
     <message>
         <source>%1 is up to date</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 ist aktuell</translation>
     </message>
     <message>
         <source>%1 %2 is the newest version available.</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 %2 ist die neueste verfügbare Version.</translation>
     </message>
     <message>
         <source>A new version of %1 is available!</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine neue Version von %1 ist verfügbar!</translation>
     </message>
     <message>
         <source>%1 %2 is now available—you have %3.</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 %2 ist jetzt verfügbar — Sie haben %3.</translation>
     </message>
     <message>
         <source>The update check failed</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Suche nach Aktualisierungen ist fehlgeschlagen</translation>
     </message>
 </context>
 <context>
     <name>QVUpdateStatusText</name>
     <message>
         <source>%1 is up to date</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 ist aktuell</translation>
     </message>
     <message>
         <source>%1 %2 is now available</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 %2 ist jetzt verfügbar</translation>
     </message>
     <message>
         <source>MMMM d, yyyy - h:mm AP</source>
         <extracomment>Date and time of the last update check, in QDateTime&apos;s format notation</extracomment>
-        <translation type="unfinished"></translation>
+        <translation>d. MMMM yyyy, HH:mm</translation>
     </message>
     <message>
         <source>Last check: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Letzte Suche: %1</translation>
     </message>
 </context>
 <context>
     <name>QVUpdatesPage</name>
     <message>
         <source>Check for updates automatically</source>
-        <translation type="unfinished"></translation>
+        <translation>Automatisch nach Aktualisierungen suchen</translation>
     </message>
     <message>
         <source>Check Now</source>
-        <translation type="unfinished"></translation>
+        <translation>Jetzt suchen</translation>
     </message>
     <message>
         <source>Visit Product Page</source>
-        <translation type="unfinished"></translation>
+        <translation>Produktseite besuchen</translation>
     </message>
     <message>
         <source>Updates</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktualisierungen</translation>
     </message>
     <message>
         <source>Update status</source>
-        <translation type="unfinished"></translation>
+        <translation>Status der Aktualisierung</translation>
     </message>
     <message>
         <source>Last update check</source>
-        <translation type="unfinished"></translation>
+        <translation>Letzte Suche nach Aktualisierungen</translation>
     </message>
 </context>
 </TS>

@@ -29,6 +29,18 @@ void readItem(const QDBusArgument &argument, QVTestDBusMenu::Item &item)
 
 } // namespace
 
+QString QVTestDBusMenu::Item::label() const
+{
+    const QString marked = properties.value(QStringLiteral("label")).toString();
+    QString shown;
+    for (qsizetype index = 0; index < marked.size(); ++index) {
+        if (marked[index] == u'_' && index + 1 < marked.size())
+            ++index;
+        shown += marked[index];
+    }
+    return shown;
+}
+
 QString QVTestDBusMenu::Item::shortcut() const
 {
     const QVariant value = properties.value(QStringLiteral("shortcut"));

@@ -15,7 +15,8 @@ public:
         QVariantMap properties;
         QList<Item> children;
 
-        QString label() const { return properties.value(QStringLiteral("label")).toString(); }
+        // The label as a panel shows it: "_" marks a mnemonic, "__" is an underscore.
+        QString label() const;
         bool isSeparator() const { return properties.value(QStringLiteral("type")).toString() == QLatin1String("separator"); }
         bool isEnabled() const { return properties.value(QStringLiteral("enabled"), true).toBool(); }
         bool isVisible() const { return properties.value(QStringLiteral("visible"), true).toBool(); }
