@@ -19,6 +19,8 @@ namespace
 {
 const QString application = QStringLiteral("corvane");
 const QString skipTaskbar = QStringLiteral("_NET_WM_STATE_SKIP_TASKBAR");
+// A pop-up is named by the item it shows; the toolbar's pages are checkable buttons.
+const QString taskbarMode = QStringLiteral("Window in the task bar");
 } // namespace
 
 class TestX11SettingsWindow : public QObject
@@ -124,7 +126,7 @@ int TestX11SettingsWindow::windowHeight()
 void TestX11SettingsWindow::pagesAreReachableAndNamed()
 {
     startCorvane({});
-    QVERIFY2(waitFor(QStringLiteral("combo box"), QStringLiteral("Show Corvane as")), qPrintable(m_tree->dump()));
+    QVERIFY2(waitFor(QStringLiteral("combo box"), taskbarMode), qPrintable(m_tree->dump()));
     QVERIFY2(m_tree->unnamedControls().isEmpty(), qPrintable(m_tree->dump()));
     // Mode 0: an ordinary window of the task bar.
     std::optional<QVTestXClient::TopLevel> window = m_client->viewableTopLevel(QStringLiteral("Corvane"));
@@ -132,16 +134,16 @@ void TestX11SettingsWindow::pagesAreReachableAndNamed()
     QVERIFY(!window->states.contains(skipTaskbar));
     const int generalHeight = windowHeight();
 
-    click(m_tree->find(QStringLiteral("push button"), QStringLiteral("Updates")));
+    click(m_tree->find(QStringLiteral("check box"), QStringLiteral("Updates")));
     QVERIFY2(waitFor(QStringLiteral("check box"), QStringLiteral("Check for updates automatically")),
         qPrintable(m_tree->dump()));
     QVERIFY2(m_tree->unnamedControls().isEmpty(), qPrintable(m_tree->dump()));
     QTRY_VERIFY(windowHeight() != generalHeight); // fitted to the page, after its animation
 
-    click(m_tree->find(QStringLiteral("push button"), QStringLiteral("Actions")));
-    QVERIFY2(waitFor(QStringLiteral("scroll pane"), QStringLiteral("Custom controls")), qPrintable(m_tree->dump()));
+    click(m_tree->find(QStringLiteral("check box"), QStringLiteral("Actions")));
+    QVERIFY2(waitFor(QStringLiteral("filler"), QStringLiteral("Custom controls")), qPrintable(m_tree->dump()));
 
-    click(m_tree->find(QStringLiteral("push button"), QStringLiteral("General")));
+    click(m_tree->find(QStringLiteral("check box"), QStringLiteral("General")));
     QVERIFY(waitFor(QStringLiteral("check box"), QStringLiteral("Start at login")));
     QTRY_COMPARE(windowHeight(), generalHeight);
     if (!qEnvironmentVariableIsEmpty("CORVANE_SCREENSHOT_DIR"))
@@ -180,7 +182,7 @@ void TestX11SettingsWindow::helpOpensTheInstalledPage()
         qPrintable(opened));
     QVERIFY(QFile::exists(QUrl(opened).toLocalFile()));
     // Help is an action, never a page: the page shown stays.
-    QVERIFY(m_tree->waitFor(application, QStringLiteral("combo box"), QStringLiteral("Show Corvane as")));
+    QVERIFY(m_tree->waitFor(application, QStringLiteral("combo box"), taskbarMode));
 }
 
 void TestX11SettingsWindow::secondLaunchBringsTheWindowBackOnItsLastPage()
@@ -202,22 +204,22 @@ void TestX11SettingsWindow::secondLaunchBringsTheWindowBackOnItsLastPage()
         [](const QVAccessibilityTree::Node &node) { return node.name.startsWith(QLatin1String("Corvane has neither")); });
     QVERIFY2(explanation != m_tree->nodes().end() && explanation->has(QStringLiteral("showing")), qPrintable(m_tree->dump()));
 
-    click(m_tree->find(QStringLiteral("push button"), QStringLiteral("Actions")));
-    QVERIFY(waitFor(QStringLiteral("scroll pane"), QStringLiteral("Custom controls")));
+    click(m_tree->find(QStringLiteral("check box"), QStringLiteral("Actions")));
+    QVERIFY(waitFor(QStringLiteral("filler"), QStringLiteral("Custom controls")));
     m_client->closeWindow(window->window);
     QTRY_VERIFY(!m_client->viewableTopLevel(QStringLiteral("Corvane")));
 
     QVCorvaneProcess third(m_server->displayName(), m_settingsPath);
     third.setEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_bus->address());
     third.start();
-    QVERIFY2(waitFor(QStringLiteral("scroll pane"), QStringLiteral("Custom controls")), qPrintable(m_tree->dump()));
+    QVERIFY2(waitFor(QStringLiteral("filler"), QStringLiteral("Custom controls")), qPrintable(m_tree->dump()));
     QVERIFY(m_corvane->isRunning());
 }
 
 void TestX11SettingsWindow::leavingTheTaskbarRestartsIntoTheTray()
 {
     startCorvane({});
-    const auto *mode = waitFor(QStringLiteral("combo box"), QStringLiteral("Show Corvane as"));
+    const auto *mode = waitFor(QStringLiteral("combo box"), taskbarMode);
     QVERIFY2(mode, qPrintable(m_tree->dump()));
     const std::optional<QVTestXClient::TopLevel> before = m_client->viewableTopLevel(QStringLiteral("Corvane"));
     QVERIFY(before);
@@ -234,7 +236,7 @@ void TestX11SettingsWindow::leavingTheTaskbarRestartsIntoTheTray()
     auto stopNew = qScopeGuard([&after] { ::kill(pid_t(after->pid), SIGTERM); });
     QVERIFY(after->pid != 0 && after->pid != before->pid);
     QVERIFY(after->states.contains(skipTaskbar));
-    QVERIFY2(waitFor(QStringLiteral("check box"), QStringLiteral("Start at login")), qPrintable(m_tree->dump()));
+    QVERIFY2(waitFor(QStringLiteral("combo box"), QStringLiteral("Icon in the system tray")), qPrintable(m_tree->dump()));
     // The page was handed over once.
     QVERIFY(!QVCorvaneProcess::readSettings(m_settingsPath).contains(QStringLiteral("Preferences Section")));
 }
