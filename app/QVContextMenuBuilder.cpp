@@ -93,7 +93,8 @@ void QVContextMenuBuilder::addCustomControlItems(QMenu &menu) const
     for (const QVCustomControlRef &control : m_manager.controls()) {
         switch (control->action()) {
         case QVAction::Heading:
-            addNonActionItemWithSmallTitle(menu, control->displayTitleWithSuffixes(nullptr).replace(u'&', QStringLiteral("&&")));
+            addNonActionItemWithSmallTitle(
+                menu, control->displayTitleWithSuffixes(nullptr).replace(u'&', QStringLiteral("&&")));
             break;
         case QVAction::None: menu.addSeparator(); break;
         default: {

@@ -9,9 +9,9 @@
 #include "QVLoginItem.h"
 #include "QVPlatform.h"
 #include "QVPointerEvents.h"
+#include "QVPreferencesWindow.h"
 #include "QVScreenGeometry.h"
 #include "QVScreenOverlayCommand.h"
-#include "QVPreferencesWindow.h"
 #include "QVScreenOverlayPanel.h"
 #include "QVSelfRestart.h"
 #include "QVStatusItem.h"
@@ -27,7 +27,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
-#include <QFileInfo>
 #include <QMenu>
 #include <QTimer>
 #include <QUrl>
@@ -41,14 +40,6 @@ const QString capsLockKey = QStringLiteral("Hot Keys Account For Caps Lock Statu
 const QString stealthModeKey = QStringLiteral("Stealth Mode");
 const QString debugLogKey = QStringLiteral("QVDebugLog");
 
-// Where the login session finds this Corvane: its binary, and its settings when not the usual ones.
-std::unique_ptr<QVLoginItem> loginItemFor(const QVUserDefaults &defaults)
-{
-    const QString settings = QFileInfo(defaults.filePath()).absoluteFilePath();
-    const bool standard = settings == QFileInfo(QVUserDefaults::standardFilePath()).absoluteFilePath();
-    return std::make_unique<QVLoginItem>(QCoreApplication::applicationFilePath(), standard ? QString() : settings,
-        QVLoginItem::defaultAutostartDirectory());
-}
 } // namespace
 
 QVMainController::QVMainController(QVPlatform &platform, QVUserDefaults &defaults, QObject *parent)
@@ -73,7 +64,7 @@ QVMainController::QVMainController(QVPlatform &platform, QVUserDefaults &default
               .terminate = [] { QCoreApplication::quit(); },
               .beep = [&platform] { platform.beep(); },
           })
-    , m_loginItem(loginItemFor(defaults))
+    , m_loginItem(std::make_unique<QVLoginItem>(QVLoginItem::forRunningBinary(defaults.filePath())))
 #ifdef CORVANE_UPDATE_CHECKS
     , m_updater(std::make_unique<QVSparkleWrapper>(
           defaults, QCoreApplication::applicationName(), QCoreApplication::applicationVersion()))
@@ -113,7 +104,8 @@ QVContextMenuBuilder::Targets QVMainController::menuTargets()
     targets.showPreferences = [this] { showPreferences(); };
     targets.toggleDebugLogging = [this] { toggleDebugLogging(); };
     targets.terminate = [] { QCoreApplication::quit(); };
-    targets.performCustomControlActionForMenuItem = [this](QAction *item) { performCustomControlActionForMenuItem(item); };
+    targets.performCustomControlActionForMenuItem
+        = [this](QAction *item) { performCustomControlActionForMenuItem(item); };
     return targets;
 }
 
@@ -154,8 +146,8 @@ QVPreferencesWindow &QVMainController::preferencesWindow()
     m_updater->setUpdatePreferencesWindowFrame([this] { updatePreferencesWindowFrame(); });
     updatesPage = page;
 #endif
-    m_preferencesWindow = std::make_unique<QVPreferencesWindow>(
-        m_defaults, m_generalPage, new QVActionsPreferencesPage, updatesPage);
+    m_preferencesWindow
+        = std::make_unique<QVPreferencesWindow>(m_defaults, m_generalPage, new QVActionsPreferencesPage, updatesPage);
     connect(m_generalPage, &QVGeneralPreferencesPage::changeSetting, this, &QVMainController::changeSetting);
     connect(m_preferencesWindow.get(), &QVPreferencesWindow::helpRequested, this, &QVMainController::showHelp);
     m_preferencesWindow->installEventFilter(this);
@@ -219,7 +211,8 @@ void QVMainController::showHelp()
 {
     const QString page = QVInstalledResources::helpPagePath();
     if (page.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(page))) {
-        QVLog(QStringLiteral("cannot open the help page %1").arg(page.isEmpty() ? QStringLiteral("(not installed)") : page));
+        QVLog(QStringLiteral("cannot open the help page %1")
+                  .arg(page.isEmpty() ? QStringLiteral("(not installed)") : page));
         m_platform.beep();
     }
 }
@@ -238,7 +231,8 @@ void QVMainController::changeSetting(QObject *sender)
         return;
     if (sender == m_generalPage->loginItemSwitch()) {
         if (!m_loginItem->setLoginItem(m_generalPage->loginItemSwitch()->isChecked()))
-            QVLog(QStringLiteral("cannot change the start at login entry in %1").arg(QVLoginItem::defaultAutostartDirectory()));
+            QVLog(QStringLiteral("cannot change the start at login entry in %1")
+                      .arg(QVLoginItem::defaultAutostartDirectory()));
         m_generalPage->loginItemSwitch()->setChecked(m_loginItem->isLoginItem());
     } else if (sender == m_generalPage->stealthModeSwitch()) {
         m_defaults.setObject(!m_generalPage->stealthModeSwitch()->isChecked(), stealthModeKey);
@@ -301,8 +295,8 @@ void QVMainController::logAction(const QVCustomControlRepresentation *control, c
                                        .arg(event->modifierFlags, 0, 16)
                                  : QStringLiteral("menu item");
     const QString outcome = !performed ? QStringLiteral("claimed by no control")
-        : control                      ? QStringLiteral("performed \"%1\"").arg(control->displayTitleWithSuffixes(nullptr))
-                                       : QStringLiteral("performed");
+        : control ? QStringLiteral("performed \"%1\"").arg(control->displayTitleWithSuffixes(nullptr))
+                  : QStringLiteral("performed");
     const QVPoint pointer = m_platform.mouseLocation();
     QVLog(QStringLiteral("%1: %2, pointer now at %3,%4").arg(source, outcome).arg(pointer.x).arg(pointer.y));
 }

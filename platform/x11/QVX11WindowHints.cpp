@@ -60,8 +60,8 @@ void QVX11WindowHints::setSkipsTaskbar(xcb_window_t window, bool skips)
 void QVX11WindowHints::changeStateOfUnmapped(xcb_window_t window, bool skips)
 {
     xcb_connection_t *c = m_connection.get();
-    QVXcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
-        c, xcb_get_property(c, 0, window, m_atoms[WmState], XCB_ATOM_ATOM, 0, 64), nullptr));
+    QVXcbReply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(c, xcb_get_property(c, 0, window, m_atoms[WmState], XCB_ATOM_ATOM, 0, 64), nullptr));
     QList<xcb_atom_t> states;
     if (reply && reply->format == 32 && reply->type == XCB_ATOM_ATOM) {
         const auto *values = static_cast<const xcb_atom_t *>(xcb_get_property_value(reply.get()));
@@ -92,5 +92,6 @@ void QVX11WindowHints::sendToRoot(xcb_window_t window, xcb_atom_t type, const ui
     message.type = type;
     std::copy(std::begin(data), std::end(data), message.data.data32);
     xcb_send_event(m_connection.get(), 0, m_connection.root(),
-        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, reinterpret_cast<const char *>(&message));
+        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+        reinterpret_cast<const char *>(&message));
 }

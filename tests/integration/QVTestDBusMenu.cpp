@@ -80,14 +80,16 @@ QVariant QVTestDBusMenu::itemProperty(const QString &name) const
 
 bool QVTestDBusMenu::aboutToShow()
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(m_service, m_menuPath, menuInterface, QStringLiteral("AboutToShow"));
+    QDBusMessage call
+        = QDBusMessage::createMethodCall(m_service, m_menuPath, menuInterface, QStringLiteral("AboutToShow"));
     call << 0;
     return m_connection.call(call).type() == QDBusMessage::ReplyMessage;
 }
 
 QVTestDBusMenu::Item QVTestDBusMenu::layout(uint *revision) const
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(m_service, m_menuPath, menuInterface, QStringLiteral("GetLayout"));
+    QDBusMessage call
+        = QDBusMessage::createMethodCall(m_service, m_menuPath, menuInterface, QStringLiteral("GetLayout"));
     call << 0 << -1 << QStringList();
     const QDBusMessage reply = m_connection.call(call);
     Item root;

@@ -9,8 +9,8 @@
 #include "QVTestXServer.h"
 
 #include <QDir>
-#include <QUrl>
 #include <QFile>
+#include <QUrl>
 #include <QtTest>
 
 #include <csignal>
@@ -75,7 +75,8 @@ void TestX11SettingsWindow::init()
     const QString accessibilityBus = m_bus->accessibilityBusAddress();
     QVERIFY(!accessibilityBus.isEmpty());
     m_tree = std::make_unique<QVAccessibilityTree>(m_bus->address(), accessibilityBus);
-    m_settingsPath = m_server->temporaryPath(QString::fromLatin1(QTest::currentTestFunction()) + QStringLiteral(".json"));
+    m_settingsPath
+        = m_server->temporaryPath(QString::fromLatin1(QTest::currentTestFunction()) + QStringLiteral(".json"));
 }
 
 void TestX11SettingsWindow::cleanup()
@@ -92,7 +93,8 @@ void TestX11SettingsWindow::startCorvane(const QJsonObject &settings)
     m_corvane = std::make_unique<QVCorvaneProcess>(m_server->displayName(), m_settingsPath);
     m_corvane->setEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_bus->address());
     m_corvane->setEnvironmentVariable(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
-    m_corvane->setEnvironmentVariable(QStringLiteral("XDG_CONFIG_HOME"), m_server->temporaryPath(QStringLiteral("config")));
+    m_corvane->setEnvironmentVariable(
+        QStringLiteral("XDG_CONFIG_HOME"), m_server->temporaryPath(QStringLiteral("config")));
     // A recording xdg-open first on the path, in a folder that may hold programs.
     const QString bin = QStringLiteral(CORVANE_TEST_BIN_DIR "/recording-bin");
     QDir().mkpath(bin);
@@ -200,9 +202,12 @@ void TestX11SettingsWindow::secondLaunchBringsTheWindowBackOnItsLastPage()
     std::optional<QVTestXClient::TopLevel> window = m_client->viewableTopLevel(QStringLiteral("Corvane"));
     QVERIFY(window);
     QVERIFY(window->states.contains(skipTaskbar)); // not a task bar window in this mode
-    const auto explanation = std::find_if(m_tree->nodes().begin(), m_tree->nodes().end(),
-        [](const QVAccessibilityTree::Node &node) { return node.name.startsWith(QLatin1String("Corvane has neither")); });
-    QVERIFY2(explanation != m_tree->nodes().end() && explanation->has(QStringLiteral("showing")), qPrintable(m_tree->dump()));
+    const auto explanation
+        = std::find_if(m_tree->nodes().begin(), m_tree->nodes().end(), [](const QVAccessibilityTree::Node &node) {
+              return node.name.startsWith(QLatin1String("Corvane has neither"));
+          });
+    QVERIFY2(explanation != m_tree->nodes().end() && explanation->has(QStringLiteral("showing")),
+        qPrintable(m_tree->dump()));
 
     click(m_tree->find(QStringLiteral("check box"), QStringLiteral("Actions")));
     QVERIFY(waitFor(QStringLiteral("filler"), QStringLiteral("Custom controls")));
@@ -224,7 +229,8 @@ void TestX11SettingsWindow::leavingTheTaskbarRestartsIntoTheTray()
     const std::optional<QVTestXClient::TopLevel> before = m_client->viewableTopLevel(QStringLiteral("Corvane"));
     QVERIFY(before);
     click(mode);
-    m_server->run(QStringLiteral("xdotool"), { QStringLiteral("key"), QStringLiteral("Down"), QStringLiteral("Return") });
+    m_server->run(
+        QStringLiteral("xdotool"), { QStringLiteral("key"), QStringLiteral("Down"), QStringLiteral("Return") });
 
     // The old process ends half a second later; a new one takes over in the tray, its
     // settings window open on General and out of the task bar.
@@ -236,7 +242,8 @@ void TestX11SettingsWindow::leavingTheTaskbarRestartsIntoTheTray()
     auto stopNew = qScopeGuard([&after] { ::kill(pid_t(after->pid), SIGTERM); });
     QVERIFY(after->pid != 0 && after->pid != before->pid);
     QVERIFY(after->states.contains(skipTaskbar));
-    QVERIFY2(waitFor(QStringLiteral("combo box"), QStringLiteral("Icon in the system tray")), qPrintable(m_tree->dump()));
+    QVERIFY2(
+        waitFor(QStringLiteral("combo box"), QStringLiteral("Icon in the system tray")), qPrintable(m_tree->dump()));
     // The page was handed over once.
     QVERIFY(!QVCorvaneProcess::readSettings(m_settingsPath).contains(QStringLiteral("Preferences Section")));
 }

@@ -84,7 +84,8 @@ void TestX11Tray::init()
     QString error;
     m_bus = std::make_unique<QVTestSessionBus>();
     QVERIFY2(m_bus->start(&error), qPrintable(error));
-    m_settingsPath = m_server->temporaryPath(QString::fromLatin1(QTest::currentTestFunction()) + QStringLiteral(".json"));
+    m_settingsPath
+        = m_server->temporaryPath(QString::fromLatin1(QTest::currentTestFunction()) + QStringLiteral(".json"));
 }
 
 void TestX11Tray::cleanup()
@@ -131,7 +132,8 @@ void TestX11Tray::menuListsTheControlsAndPerformsThem()
             { QStringLiteral("Accelerate"), true } });
     const QJsonObject click = QVCorvaneProcess::control(101, 45, 0x100000);
     startCorvane({ { QStringLiteral("Application Mode"), 1 }, { QStringLiteral("Stealth Mode"), true },
-        { QStringLiteral("Custom Controls"), QJsonArray { heading(QStringLiteral("Pointer & Co")), move, separator(), click } } });
+        { QStringLiteral("Custom Controls"),
+            QJsonArray { heading(QStringLiteral("Pointer & Co")), move, separator(), click } } });
 
     QCOMPARE(menu().itemProperty(QStringLiteral("ToolTip")).isValid(), true);
     openMenu();
@@ -140,8 +142,9 @@ void TestX11Tray::menuListsTheControlsAndPerformsThem()
     const QString moveTitle = QStringLiteral("Move Right \u2014 10 px \u2027 Accelerate");
     QCOMPARE(menu().visibleLabels(),
         QStringList({ QStringLiteral("About Corvane"), QStringLiteral("Check for Updates"), QStringLiteral("Help"),
-            QStringLiteral("-"), QStringLiteral("Pointer & Co"), moveTitle, QStringLiteral("-"), QStringLiteral("Click"),
-            QStringLiteral("-"), QStringLiteral("Settings"), QStringLiteral("-"), QStringLiteral("Quit") }));
+            QStringLiteral("-"), QStringLiteral("Pointer & Co"), moveTitle, QStringLiteral("-"),
+            QStringLiteral("Click"), QStringLiteral("-"), QStringLiteral("Settings"), QStringLiteral("-"),
+            QStringLiteral("Quit") }));
     const QList<QVTestDBusMenu::Item> items = menu().visibleItems();
     QVERIFY(!items.at(4).isEnabled()); // the heading is a line, not an action
     QVERIFY(items.at(5).hasIcon());
@@ -155,7 +158,8 @@ void TestX11Tray::menuListsTheControlsAndPerformsThem()
     menu().layout(&again);
     QCOMPARE(again, revision);
 
-    m_server->run(QStringLiteral("xdotool"), { QStringLiteral("mousemove"), QStringLiteral("400"), QStringLiteral("300") });
+    m_server->run(
+        QStringLiteral("xdotool"), { QStringLiteral("mousemove"), QStringLiteral("400"), QStringLiteral("300") });
     QVERIFY(menu().click(moveTitle));
     QTRY_COMPARE(pointerLocation(*m_server), QPoint(410, 300));
 }
@@ -163,19 +167,23 @@ void TestX11Tray::menuListsTheControlsAndPerformsThem()
 void TestX11Tray::controlAndAltOpenTheDebugLoggingSwitch()
 {
     startCorvane({ { QStringLiteral("Application Mode"), 1 }, { QStringLiteral("Stealth Mode"), true } });
-    m_server->run(QStringLiteral("xdotool"), { QStringLiteral("keydown"), QStringLiteral("Control_L"), QStringLiteral("Alt_L") });
+    m_server->run(
+        QStringLiteral("xdotool"), { QStringLiteral("keydown"), QStringLiteral("Control_L"), QStringLiteral("Alt_L") });
     openMenu();
     QStringList labels = menu().visibleLabels();
     QVERIFY2(labels.contains(QStringLiteral("Enable Debug Logging")), qPrintable(labels.join(u'|')));
     QVERIFY(!labels.contains(QStringLiteral("Settings")));
     QVERIFY(menu().click(QStringLiteral("Enable Debug Logging")));
-    m_server->run(QStringLiteral("xdotool"), { QStringLiteral("keyup"), QStringLiteral("Control_L"), QStringLiteral("Alt_L") });
+    m_server->run(
+        QStringLiteral("xdotool"), { QStringLiteral("keyup"), QStringLiteral("Control_L"), QStringLiteral("Alt_L") });
     QTRY_VERIFY(QVCorvaneProcess::readSettings(m_settingsPath).value(QStringLiteral("QVDebugLog")).toBool());
 
     closeMenu();
-    m_server->run(QStringLiteral("xdotool"), { QStringLiteral("keydown"), QStringLiteral("Control_L"), QStringLiteral("Alt_L") });
+    m_server->run(
+        QStringLiteral("xdotool"), { QStringLiteral("keydown"), QStringLiteral("Control_L"), QStringLiteral("Alt_L") });
     openMenu();
-    m_server->run(QStringLiteral("xdotool"), { QStringLiteral("keyup"), QStringLiteral("Control_L"), QStringLiteral("Alt_L") });
+    m_server->run(
+        QStringLiteral("xdotool"), { QStringLiteral("keyup"), QStringLiteral("Control_L"), QStringLiteral("Alt_L") });
     const QList<QVTestDBusMenu::Item> items = menu().visibleItems();
     auto debugItem = std::find_if(items.begin(), items.end(),
         [](const QVTestDBusMenu::Item &item) { return item.label() == QLatin1String("Enable Debug Logging"); });
@@ -191,8 +199,8 @@ void TestX11Tray::controlAndAltOpenTheDebugLoggingSwitch()
 
 void TestX11Tray::menuFollowsTheSettingsAtEveryOpening()
 {
-    const QJsonObject move = QVCorvaneProcess::control(31, rightArrow, controlAlt,
-        { { QStringLiteral("Move Direction"), 9 }, { QStringLiteral("Move Delta"), 3 } });
+    const QJsonObject move = QVCorvaneProcess::control(
+        31, rightArrow, controlAlt, { { QStringLiteral("Move Direction"), 9 }, { QStringLiteral("Move Delta"), 3 } });
     QJsonObject settings { { QStringLiteral("Application Mode"), 1 }, { QStringLiteral("Stealth Mode"), true },
         { QStringLiteral("Custom Controls"), QJsonArray { move } } };
     startCorvane(settings);
@@ -201,7 +209,8 @@ void TestX11Tray::menuFollowsTheSettingsAtEveryOpening()
     closeMenu();
 
     settings.insert(QStringLiteral("Suppress Menu Item Suffixes"), true);
-    settings.insert(QStringLiteral("Custom Controls"), QJsonArray { move, QVCorvaneProcess::control(21, 46, controlAlt) });
+    settings.insert(
+        QStringLiteral("Custom Controls"), QJsonArray { move, QVCorvaneProcess::control(21, 46, controlAlt) });
     QVCorvaneProcess::writeSettings(m_settingsPath, settings);
     QTRY_VERIFY_WITH_TIMEOUT(!m_corvane->logLines(QStringLiteral("custom controls reloaded")).isEmpty(), 5000);
     openMenu();
@@ -218,7 +227,8 @@ void TestX11Tray::quitFromTheMenuSaves()
     openMenu();
     QVERIFY(menu().click(QStringLiteral("Quit")));
     QTRY_VERIFY_WITH_TIMEOUT(!m_corvane->isRunning(), 10000);
-    QCOMPARE(QVCorvaneProcess::readSettings(m_settingsPath).value(QStringLiteral("Custom Controls")).toArray().size(), 1);
+    QCOMPARE(
+        QVCorvaneProcess::readSettings(m_settingsPath).value(QStringLiteral("Custom Controls")).toArray().size(), 1);
 }
 
 void TestX11Tray::xembedTrayShowsTheIconAndItsMenu()
@@ -227,10 +237,10 @@ void TestX11Tray::xembedTrayShowsTheIconAndItsMenu()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("DISPLAY"), m_server->displayName());
     trayer.setProcessEnvironment(environment);
-    trayer.start(QStringLiteral("trayer"), { QStringLiteral("--edge"), QStringLiteral("top"), QStringLiteral("--align"),
-                                               QStringLiteral("right"), QStringLiteral("--widthtype"),
-                                               QStringLiteral("pixel"), QStringLiteral("--width"), QStringLiteral("64"),
-                                               QStringLiteral("--height"), QStringLiteral("24") });
+    trayer.start(QStringLiteral("trayer"),
+        { QStringLiteral("--edge"), QStringLiteral("top"), QStringLiteral("--align"), QStringLiteral("right"),
+            QStringLiteral("--widthtype"), QStringLiteral("pixel"), QStringLiteral("--width"), QStringLiteral("64"),
+            QStringLiteral("--height"), QStringLiteral("24") });
     QVERIFY(trayer.waitForStarted());
     auto stopTrayer = qScopeGuard([&trayer] {
         ::kill(pid_t(trayer.processId()), SIGTERM);
@@ -240,17 +250,21 @@ void TestX11Tray::xembedTrayShowsTheIconAndItsMenu()
 
     startCorvane({ { QStringLiteral("Application Mode"), 1 }, { QStringLiteral("Stealth Mode"), true } }, false);
     // The embedded icon is a window of Corvane's inside the tray, near the right end of the top edge.
-    QTRY_VERIFY_WITH_TIMEOUT(m_server->run(QStringLiteral("xwininfo"), { QStringLiteral("-root"), QStringLiteral("-tree") })
-                                 .contains(QLatin1String("\"corvane\"")),
+    QTRY_VERIFY_WITH_TIMEOUT(
+        m_server->run(QStringLiteral("xwininfo"), { QStringLiteral("-root"), QStringLiteral("-tree") })
+            .contains(QLatin1String("\"corvane\"")),
         10000);
     m_server->run(QStringLiteral("xdotool"),
-        { QStringLiteral("mousemove"), QStringLiteral("1268"), QStringLiteral("12"), QStringLiteral("click"), QStringLiteral("3") });
+        { QStringLiteral("mousemove"), QStringLiteral("1268"), QStringLiteral("12"), QStringLiteral("click"),
+            QStringLiteral("3") });
     // The menu opens as a window of Corvane's on the root, below the tray.
-    QTRY_VERIFY_WITH_TIMEOUT(m_server->run(QStringLiteral("xwininfo"), { QStringLiteral("-root"), QStringLiteral("-children") })
-                                 .contains(QLatin1String("(\"corvane\" \"Corvane\")")),
+    QTRY_VERIFY_WITH_TIMEOUT(
+        m_server->run(QStringLiteral("xwininfo"), { QStringLiteral("-root"), QStringLiteral("-children") })
+            .contains(QLatin1String("(\"corvane\" \"Corvane\")")),
         10000);
     m_server->run(QStringLiteral("import"),
-        { QStringLiteral("-window"), QStringLiteral("root"), m_server->temporaryPath(QStringLiteral("xembed-menu.png")) });
+        { QStringLiteral("-window"), QStringLiteral("root"),
+            m_server->temporaryPath(QStringLiteral("xembed-menu.png")) });
 }
 
 QTEST_GUILESS_MAIN(TestX11Tray)
