@@ -4,6 +4,8 @@
 #include "QVLog.h"
 #include "QVUserDefaults.h"
 
+#include <algorithm>
+
 const QString QVApplicationMode::settingsKey = QStringLiteral("Application Mode");
 const QString QVApplicationMode::preferencesSectionKey = QStringLiteral("Preferences Section");
 
@@ -19,18 +21,9 @@ QVApplicationMode::QVApplicationMode(QVUserDefaults &defaults, QVDelayedPerforme
 {
 }
 
-qint64 QVApplicationMode::integerInRange(qint64 value, qint64 low, qint64 high)
-{
-    if (value < low)
-        return low;
-    if (value >= high)
-        return high;
-    return value;
-}
-
 qint64 QVApplicationMode::clampedStoredMode() const
 {
-    return integerInRange(m_defaults.integerForKey(settingsKey), TaskbarWindow, Faceless);
+    return std::clamp(m_defaults.integerForKey(settingsKey), qint64(TaskbarWindow), qint64(Faceless));
 }
 
 void QVApplicationMode::updateApplicationMode()

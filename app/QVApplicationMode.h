@@ -32,8 +32,6 @@ public:
     static const QString settingsKey; // "Application Mode"
     static const QString preferencesSectionKey; // "Preferences Section"
 
-    // A value clamped into low ... high, high included.
-    static qint64 integerInRange(qint64 value, qint64 low, qint64 high);
     // The stored mode as the pop-up shows it.
     qint64 clampedStoredMode() const;
 

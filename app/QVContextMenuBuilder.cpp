@@ -65,15 +65,11 @@ QVContextMenuBuilder::QVContextMenuBuilder(
 {
 }
 
-void QVContextMenuBuilder::populateContextMenu(
-    QMenu &menu, bool includeMetaItems, bool includeCustomControls, bool alternate) const
+void QVContextMenuBuilder::populateContextMenu(QMenu &menu, bool alternate) const
 {
-    if (includeMetaItems)
-        addLeadingMetaItems(menu);
-    if (includeCustomControls)
-        addCustomControlItems(menu);
-    if (includeMetaItems)
-        addTrailingMetaItems(menu, alternate);
+    addLeadingMetaItems(menu);
+    addCustomControlItems(menu);
+    addTrailingMetaItems(menu, alternate);
 }
 
 void QVContextMenuBuilder::addLeadingMetaItems(QMenu &menu) const

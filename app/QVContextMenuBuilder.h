@@ -33,7 +33,7 @@ public:
 
     // alternate: the user held Control and Alt as the menu opened, so the debug
     // logging switch stands where "Settings" is.
-    void populateContextMenu(QMenu &menu, bool includeMetaItems, bool includeCustomControls, bool alternate) const;
+    void populateContextMenu(QMenu &menu, bool alternate) const;
 
     // The hot key as a menu shortcut, when its key's label is one character; else empty.
     static QKeySequence keyEquivalentForHotKey(const QVHotKey &hotKey);

@@ -23,7 +23,6 @@
 #endif
 
 #include <QAction>
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
@@ -71,7 +70,7 @@ QVMainController::QVMainController(QVPlatform &platform, QVUserDefaults &default
 #endif
     , m_menuBuilder(defaults, *m_manager, menuTargets())
     , m_statusItem(std::make_unique<QVStatusItem>(
-          [this](QMenu &menu, bool alternate) { m_menuBuilder.populateContextMenu(menu, true, true, alternate); }))
+          [this](QMenu &menu, bool alternate) { m_menuBuilder.populateContextMenu(menu, alternate); }))
 {
     connect(&defaults, &QVUserDefaults::changedExternally, this, &QVMainController::settingsChangedExternally);
     m_engine.setScreenSectionPresenter(this);
@@ -251,16 +250,6 @@ void QVMainController::toggleDebugLogging()
     const bool enabled = !m_defaults.boolForKey(debugLogKey);
     m_defaults.setObject(enabled, debugLogKey);
     QVLog(enabled ? QStringLiteral("debug logging on") : QStringLiteral("debug logging off"));
-}
-
-QMenu *QVMainController::populateContextMenu(QMenu *menu, bool includeMetaItems, bool includeCustomControls)
-{
-    if (!menu) {
-        menu = new QMenu;
-        menu->setTitle(tr("Corvane Context Menu"));
-    }
-    m_menuBuilder.populateContextMenu(*menu, includeMetaItems, includeCustomControls, false);
-    return menu;
 }
 
 void QVMainController::applicationShouldTerminate()

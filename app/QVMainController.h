@@ -14,7 +14,6 @@
 #include <memory>
 
 class QAction;
-class QMenu;
 class QVAboutDialog;
 class QVGeneralPreferencesPage;
 class QVLoginItem;
@@ -62,13 +61,6 @@ public:
     void toggleDebugLogging();
     // Installs or removes the tray icon as the mode says.
     void updateStatusItem();
-    // Appends the menu's items and returns it (a new menu when none is given, owned by the caller).
-    QMenu *populateContextMenu(QMenu *menu, bool includeMetaItems, bool includeCustomControls);
-
-    QVPreferencesWindow *preferencesWindowIfMade() const { return m_preferencesWindow.get(); }
-    QVStatusItem *statusItem() const { return m_statusItem.get(); }
-    QVApplicationMode &applicationMode() { return m_mode; }
-
     bool performActionTriggeredByControl(
         QVCustomControlRepresentation *control, const QVEvent *event, bool isRepetition, bool *shouldRepeat);
     // The item's data names a control by its unique identifier.

@@ -24,12 +24,8 @@ public:
     ~QVStatusItem() override;
 
     void setInstalled(bool installed);
-    bool isInstalled() const { return m_installed; }
     // Rebuilds the menu, once per opening: a panel may ask several times as it opens.
     void menuNeedsUpdate();
-
-    QMenu *menu() const { return m_menu.get(); }
-    QSystemTrayIcon *trayIcon() const { return m_trayIcon.get(); }
 
 private:
     void create();
