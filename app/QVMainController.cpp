@@ -30,8 +30,6 @@
 #include <QTimer>
 #include <QUrl>
 
-#include <malloc.h>
-
 namespace
 {
 QVMainController *sharedController = nullptr;
@@ -149,7 +147,6 @@ QVPreferencesWindow &QVMainController::preferencesWindow()
         = std::make_unique<QVPreferencesWindow>(m_defaults, m_generalPage, new QVActionsPreferencesPage, updatesPage);
     connect(m_generalPage, &QVGeneralPreferencesPage::changeSetting, this, &QVMainController::changeSetting);
     connect(m_preferencesWindow.get(), &QVPreferencesWindow::helpRequested, this, &QVMainController::showHelp);
-    m_preferencesWindow->installEventFilter(this);
 #ifdef CORVANE_UPDATE_CHECKS
     m_updater->updateControls();
 #endif
@@ -166,32 +163,12 @@ void QVMainController::refreshGeneralPage()
     m_generalPage->stealthModeSwitch()->setChecked(!m_defaults.boolForKey(stealthModeKey));
 }
 
-bool QVMainController::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() == QEvent::Close && watched == m_preferencesWindow.get())
-        QTimer::singleShot(0, this, &QVMainController::releasePreferencesWindow);
-    return QObject::eventFilter(watched, event);
-}
-
-// A closed settings window is given back: Corvane spends most of its life without one,
-// and the window's widgets, fonts and pixmaps would stay resident for nothing.
-void QVMainController::releasePreferencesWindow()
-{
-    if (!m_preferencesWindow || m_preferencesWindow->isVisible())
-        return;
-    m_lastPreferencesTab = m_preferencesWindow->selectedIdentifier();
-    m_generalPage = nullptr;
-    m_preferencesWindow.reset();
-    malloc_trim(0);
-}
-
 void QVMainController::showPreferencesTab(const QString &identifier)
 {
-    const bool madeAgain = !m_preferencesWindow && !m_lastPreferencesTab.isEmpty();
     QVPreferencesWindow &window = preferencesWindow();
     if (!window.isVisible())
         refreshGeneralPage();
-    window.showPreferencesTab(identifier.isEmpty() && madeAgain ? m_lastPreferencesTab : identifier);
+    window.showPreferencesTab(identifier);
     m_platform.activateWindow(window.winId());
 }
 

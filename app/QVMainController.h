@@ -89,12 +89,8 @@ public:
     QString identifierForHotKeyTextView(QObject *textView) override;
     bool shouldSetHotKey(const QVHotKeyRef &hotKey, const QString &identifier) override;
 
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 private:
     QVPreferencesWindow &preferencesWindow();
-    void releasePreferencesWindow();
     void refreshGeneralPage();
     QVContextMenuBuilder::Targets menuTargets();
     void logAction(const QVCustomControlRepresentation *control, const QVEvent *event, bool performed);
@@ -121,6 +117,5 @@ private:
     std::unique_ptr<QVStatusItem> m_statusItem;
     std::unique_ptr<QVPreferencesWindow> m_preferencesWindow; // made when first shown
     QVGeneralPreferencesPage *m_generalPage = nullptr; // owned by the window
-    QString m_lastPreferencesTab; // the page of a window given back when it closed
     std::unique_ptr<QVAboutDialog> m_aboutDialog;
 };
