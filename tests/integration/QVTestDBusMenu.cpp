@@ -86,7 +86,7 @@ bool QVTestDBusMenu::aboutToShow()
     return m_connection.call(call).type() == QDBusMessage::ReplyMessage;
 }
 
-QVTestDBusMenu::Item QVTestDBusMenu::layout(uint *revision) const
+QVTestDBusMenu::Item QVTestDBusMenu::layout() const
 {
     QDBusMessage call
         = QDBusMessage::createMethodCall(m_service, m_menuPath, menuInterface, QStringLiteral("GetLayout"));
@@ -95,8 +95,6 @@ QVTestDBusMenu::Item QVTestDBusMenu::layout(uint *revision) const
     Item root;
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().size() < 2)
         return root;
-    if (revision)
-        *revision = reply.arguments().at(0).toUInt();
     readItem(reply.arguments().at(1).value<QDBusArgument>(), root);
     return root;
 }

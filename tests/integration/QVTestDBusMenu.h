@@ -36,8 +36,8 @@ public:
 
     // What a panel does as it opens the menu; false when the call fails.
     bool aboutToShow();
-    // The whole menu, with the layout's revision; an empty root when the call fails.
-    Item layout(uint *revision = nullptr) const;
+    // The whole menu; an empty root when the call fails.
+    Item layout() const;
     // The visible items below the root, in order, separators included.
     QList<Item> visibleItems() const;
     // Labels of the visible items, separators as "-".
