@@ -1,7 +1,5 @@
 // The restart helper as a real process: it starts the program only after the awaited
 // process has ended, in a session of its own, and starts nothing when it never ends.
-#include "QVSelfRestart.h"
-
 #include <QCoreApplication>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -37,7 +35,6 @@ private Q_SLOTS:
     void reportsAProgramThatCannotStart();
     void badArguments_data();
     void badArguments();
-    void selfRestartFallsBackWhenTheHelperIsMissing();
 
 private:
     int runHelper(const QStringList &arguments, const QProcessEnvironment &environment, QString *errors = nullptr);
@@ -150,21 +147,6 @@ void TestRestartHelper::badArguments()
     QString errors;
     QCOMPARE(runHelper(arguments, QProcessEnvironment::systemEnvironment(), &errors), 2);
     QVERIFY(errors.startsWith(QStringLiteral("usage: corvane-restart")));
-}
-
-void TestRestartHelper::selfRestartFallsBackWhenTheHelperIsMissing()
-{
-    const QStringList arguments = QVSelfRestart::helperArguments();
-    QCOMPARE(arguments.value(0), QCoreApplication::applicationFilePath());
-    QCOMPARE(arguments.value(1), QString::number(QCoreApplication::applicationPid()));
-    QCOMPARE(arguments.mid(2), QCoreApplication::arguments().mid(1));
-
-    const QString missing = m_directory.filePath(QStringLiteral("no-helper"));
-    QVSelfRestart::setHelperPath(missing);
-    QString error;
-    QVERIFY(!QVSelfRestart::launchRestartHelper(&error));
-    QVERIFY2(error.contains(missing), qPrintable(error));
-    QVSelfRestart::setHelperPath(QString());
 }
 
 QTEST_GUILESS_MAIN(TestRestartHelper)
