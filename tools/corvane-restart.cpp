@@ -12,11 +12,9 @@
 #include <fcntl.h>
 #include <fstream>
 #include <optional>
-#include <poll.h>
 #include <signal.h>
 #include <string>
 #include <string_view>
-#include <sys/syscall.h>
 #include <sys/types.h>
 #include <thread>
 #include <unistd.h>
@@ -64,12 +62,6 @@ int timeoutMilliseconds()
     return value && *value > 0 && *value <= 3600000 ? int(*value) : defaultTimeoutMilliseconds;
 }
 
-int remainingMilliseconds(Clock::time_point deadline)
-{
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-    return left > 0 ? int(left) : 0;
-}
-
 // A zombie still answers kill(pid, 0) although it has ended: its parent has not reaped it yet.
 bool isGoneOrZombie(pid_t pid)
 {
@@ -83,8 +75,11 @@ bool isGoneOrZombie(pid_t pid)
     return nameEnd != std::string::npos && nameEnd + 2 < line.size() && line[nameEnd + 2] == 'Z';
 }
 
-bool waitByPolling(pid_t pid, Clock::time_point deadline)
+// Polled rather than watched through a pid file descriptor: one way on every kernel,
+// and a few checks a second cost nothing while the old process winds down.
+bool waitForEnd(pid_t pid, int timeout)
 {
+    const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeout);
     for (;;) {
         if (isGoneOrZombie(pid))
             return true;
@@ -94,50 +89,14 @@ bool waitByPolling(pid_t pid, Clock::time_point deadline)
     }
 }
 
-// A pid file descriptor turns readable when the process ends, without a polling loop;
-// older kernels (before 5.3) lack it, and CORVANE_RESTART_POLL forces the loop for tests.
-std::optional<bool> waitByPidfd(pid_t pid, Clock::time_point deadline)
-{
-#ifdef SYS_pidfd_open
-    if (std::getenv("CORVANE_RESTART_POLL"))
-        return std::nullopt;
-    const int descriptor = int(::syscall(SYS_pidfd_open, pid, 0));
-    if (descriptor < 0)
-        return errno == ESRCH ? std::optional<bool>(true) : std::nullopt;
-    pollfd entry { descriptor, POLLIN, 0 };
-    int result = 0;
-    do {
-        result = ::poll(&entry, 1, remainingMilliseconds(deadline));
-    } while (result < 0 && errno == EINTR);
-    ::close(descriptor);
-    if (result < 0)
-        return std::nullopt;
-    return result > 0;
-#else
-    (void)pid;
-    (void)deadline;
-    return std::nullopt;
-#endif
-}
-
-bool waitForEnd(pid_t pid, int timeout)
-{
-    const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeout);
-    if (const std::optional<bool> ended = waitByPidfd(pid, deadline))
-        return *ended;
-    return waitByPolling(pid, deadline);
-}
-
-void redirectToNull(bool keepOutput)
+void redirectToNull()
 {
     const int null = ::open("/dev/null", O_RDWR);
     if (null < 0)
         return;
     ::dup2(null, STDIN_FILENO);
-    if (!keepOutput) {
-        ::dup2(null, STDOUT_FILENO);
-        ::dup2(null, STDERR_FILENO);
-    }
+    ::dup2(null, STDOUT_FILENO);
+    ::dup2(null, STDERR_FILENO);
     if (null > STDERR_FILENO)
         ::close(null);
 }
@@ -159,7 +118,7 @@ int start(char *binary, char **arguments)
     if (child == 0) {
         ::close(report[0]);
         ::setsid();
-        redirectToNull(std::getenv("CORVANE_RESTART_INHERIT_STDIO") != nullptr);
+        redirectToNull();
         ::execv(binary, arguments);
         const int error = errno;
         [[maybe_unused]] const ssize_t written = ::write(report[1], &error, sizeof error);
