@@ -13,6 +13,7 @@
 #include <fstream>
 #include <optional>
 #include <signal.h>
+#include <spawn.h>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -89,49 +90,22 @@ bool waitForEnd(pid_t pid, int timeout)
     }
 }
 
-void redirectToNull()
-{
-    const int null = ::open("/dev/null", O_RDWR);
-    if (null < 0)
-        return;
-    ::dup2(null, STDIN_FILENO);
-    ::dup2(null, STDOUT_FILENO);
-    ::dup2(null, STDERR_FILENO);
-    if (null > STDERR_FILENO)
-        ::close(null);
-}
-
-// Forks, and in the child leaves this session and executes the program; the child
-// reports a failed exec through a pipe that a successful exec closes.
+// In a session of its own, so that whatever ends the old process's session spares the
+// new one; posix_spawn reports a failed exec itself.
 int start(char *binary, char **arguments)
 {
-    int report[2];
-    if (::pipe2(report, O_CLOEXEC) != 0) {
-        std::fprintf(stderr, "corvane-restart: cannot make a pipe: %s\n", std::strerror(errno));
-        return notStarted;
-    }
-    const pid_t child = ::fork();
-    if (child < 0) {
-        std::fprintf(stderr, "corvane-restart: cannot fork: %s\n", std::strerror(errno));
-        return notStarted;
-    }
-    if (child == 0) {
-        ::close(report[0]);
-        ::setsid();
-        redirectToNull();
-        ::execv(binary, arguments);
-        const int error = errno;
-        [[maybe_unused]] const ssize_t written = ::write(report[1], &error, sizeof error);
-        ::_exit(127);
-    }
-    ::close(report[1]);
-    int error = 0;
-    ssize_t got = 0;
-    do {
-        got = ::read(report[0], &error, sizeof error);
-    } while (got < 0 && errno == EINTR);
-    ::close(report[0]);
-    if (got == ssize_t(sizeof error)) {
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    for (const int descriptor : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO })
+        ::posix_spawn_file_actions_addopen(&actions, descriptor, "/dev/null", O_RDWR, 0);
+    posix_spawnattr_t attributes;
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+    pid_t child = 0;
+    const int error = ::posix_spawn(&child, binary, &actions, &attributes, arguments, environ);
+    ::posix_spawnattr_destroy(&attributes);
+    ::posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) {
         std::fprintf(stderr, "corvane-restart: cannot start %s: %s\n", binary, std::strerror(error));
         return notStarted;
     }
