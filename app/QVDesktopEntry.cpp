@@ -40,7 +40,6 @@ bool QVDesktopEntry::load(const QString &path)
 
 void QVDesktopEntry::parse(const QByteArray &contents)
 {
-    m_values.clear();
     bool inGroup = false;
     for (const QByteArray &rawLine : contents.split('\n')) {
         const QString line = QString::fromUtf8(rawLine).trimmed();

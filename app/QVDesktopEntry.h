@@ -11,23 +11,22 @@ class QVDesktopEntry final
 public:
     // False when the file cannot be read; a file without the group reads as empty.
     bool load(const QString &path);
-    void parse(const QByteArray &contents);
 
-    QString value(const QString &key) const { return m_values.value(key); }
-    bool contains(const QString &key) const { return m_values.contains(key); }
     // "true" and "1" are true, "false" and "0" false; anything else the fallback.
     bool booleanValue(const QString &key, bool fallback) const;
     // The program and its arguments, field codes such as %f dropped.
     QStringList execArguments() const { return splitExec(value(QStringLiteral("Exec"))); }
 
-    // Splits an Exec value (string escapes already undone) into arguments.
-    static QStringList splitExec(const QString &exec);
     // The text after "Exec=" that makes a launcher run exactly these arguments.
     static QString execLineText(const QStringList &arguments);
     // A plain string value as it is written after "Key=".
     static QString escapeValue(const QString &value);
 
 private:
+    QString value(const QString &key) const { return m_values.value(key); }
+    void parse(const QByteArray &contents);
+    // Splits an Exec value (string escapes already undone) into arguments.
+    static QStringList splitExec(const QString &exec);
     static QString unescapeValue(const QString &text);
 
     QHash<QString, QString> m_values;

@@ -1,6 +1,7 @@
 #include "QVLoginItem.h"
 
 #include "QVDesktopEntry.h"
+#include "QVUserDefaults.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -17,12 +18,6 @@ const QString settingsOption = QStringLiteral("--settings");
 QString cleanAbsolute(const QString &path)
 {
     return path.isEmpty() ? QString() : QDir::cleanPath(QFileInfo(path).absoluteFilePath());
-}
-
-QString configHome()
-{
-    const QString fromEnvironment = qEnvironmentVariable("XDG_CONFIG_HOME");
-    return QDir::isAbsolutePath(fromEnvironment) ? fromEnvironment : QDir::homePath() + QStringLiteral("/.config");
 }
 
 // The settings file an Exec line names, empty when it names none.
@@ -64,33 +59,30 @@ QVLoginItem::QVLoginItem(const QString &binaryPath, const QString &settingsPath,
 
 QVLoginItem QVLoginItem::forRunningBinary(const QString &settingsPath)
 {
-    const QString defaultSettings = configHome() + QStringLiteral("/corvane/settings.json");
-    const QString settings = cleanAbsolute(settingsPath) == cleanAbsolute(defaultSettings) ? QString() : settingsPath;
+    const QString settings
+        = cleanAbsolute(settingsPath) == cleanAbsolute(QVUserDefaults::standardFilePath()) ? QString() : settingsPath;
     return QVLoginItem(QCoreApplication::applicationFilePath(), settings);
 }
 
 QString QVLoginItem::defaultAutostartDirectory()
 {
-    return configHome() + QStringLiteral("/autostart");
-}
-
-QStringList QVLoginItem::execArguments() const
-{
-    QStringList arguments { m_binaryPath };
-    if (!m_settingsPath.isEmpty())
-        arguments << settingsOption << m_settingsPath;
-    return arguments;
+    const QString configHome = qEnvironmentVariable("XDG_CONFIG_HOME");
+    return (QDir::isAbsolutePath(configHome) ? configHome : QDir::homePath() + QStringLiteral("/.config"))
+        + QStringLiteral("/autostart");
 }
 
 QString QVLoginItem::entryContents() const
 {
     const QString comment = QCoreApplication::translate("QVLoginItem", "Drive the mouse pointer from the keyboard");
+    QStringList arguments { m_binaryPath };
+    if (!m_settingsPath.isEmpty())
+        arguments << settingsOption << m_settingsPath;
     const QStringList lines {
         QStringLiteral("[Desktop Entry]"),
         QStringLiteral("Type=Application"),
         QStringLiteral("Name=Corvane"),
         QStringLiteral("Comment=") + QVDesktopEntry::escapeValue(comment),
-        QStringLiteral("Exec=") + QVDesktopEntry::execLineText(execArguments()),
+        QStringLiteral("Exec=") + QVDesktopEntry::execLineText(arguments),
         QStringLiteral("Icon=corvane"),
         QStringLiteral("Terminal=false"),
         QStringLiteral("NoDisplay=false"),

@@ -27,16 +27,13 @@ public:
     // when an entry of ours was removed.
     bool setLoginItem(bool enable);
 
-    // What the written entry runs.
-    QStringList execArguments() const;
-    QString entryContents() const;
-
 private:
     enum class Match { Ours, SameName, Other };
 
     Match match(const QVDesktopEntry &entry) const;
     QStringList entryFiles() const;
     QString freeFileName() const;
+    QString entryContents() const;
     bool writeEntry(const QString &path) const;
 
     QString m_binaryPath;

@@ -4,49 +4,19 @@
 #include <QDir>
 #include <QProcess>
 
-namespace
-{
-
-QString &overriddenHelperPath()
-{
-    static QString path;
-    return path;
-}
-
-} // namespace
-
-QString QVSelfRestart::helperPath()
-{
-    if (!overriddenHelperPath().isEmpty())
-        return overriddenHelperPath();
-    const QString fromEnvironment = qEnvironmentVariable("CORVANE_RESTART_HELPER");
-    if (!fromEnvironment.isEmpty())
-        return fromEnvironment;
-    return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("corvane-restart"));
-}
-
-void QVSelfRestart::setHelperPath(const QString &path)
-{
-    overriddenHelperPath() = path;
-}
-
-QStringList QVSelfRestart::helperArguments()
-{
-    // The arguments carry --settings over; the environment (CORVANE_SETTINGS) is inherited.
-    return QStringList { QCoreApplication::applicationFilePath(), QString::number(QCoreApplication::applicationPid()) }
-    + QCoreApplication::arguments().mid(1);
-}
-
 bool QVSelfRestart::launchRestartHelper(QString *error)
 {
-    const QString helper = helperPath();
     QProcess process;
-    process.setProgram(helper);
-    process.setArguments(helperArguments());
+    process.setProgram(QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("corvane-restart")));
+    // BINARY PID ARGUMENT...: the arguments carry --settings over; the environment
+    // (CORVANE_SETTINGS) is inherited.
+    process.setArguments(
+        QStringList { QCoreApplication::applicationFilePath(), QString::number(QCoreApplication::applicationPid()) }
+        + QCoreApplication::arguments().mid(1));
     process.setStandardInputFile(QProcess::nullDevice());
     if (!process.startDetached()) {
         if (error)
-            *error = QStringLiteral("cannot start %1: %2").arg(helper, process.errorString());
+            *error = QStringLiteral("cannot start %1: %2").arg(process.program(), process.errorString());
         return false;
     }
     return true;

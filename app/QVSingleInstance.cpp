@@ -58,17 +58,9 @@ bool makePrivateDirectory(const QString &path, QString *reason)
     return false;
 }
 
-} // namespace
-
-QVSingleInstance::QVSingleInstance(const QString &settingsFilePath, QObject *parent)
-    : QObject(parent)
-    , m_settingsFilePath(settingsFilePath)
-{
-}
-
-QVSingleInstance::~QVSingleInstance() = default;
-
-QString QVSingleInstance::privateDirectory(QString *error)
+// The user's private directory for the lock and the socket, created if need be;
+// empty with a reason when neither the runtime directory nor the fallback will do.
+QString privateDirectory(QString *error)
 {
     QString runtimeReason;
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
@@ -85,50 +77,49 @@ QString QVSingleInstance::privateDirectory(QString *error)
     return {};
 }
 
-bool QVSingleInstance::preparePaths(QString *error)
+} // namespace
+
+QVSingleInstance::QVSingleInstance(const QString &settingsFilePath, QObject *parent)
+    : QObject(parent)
+    , m_settingsFilePath(settingsFilePath)
 {
-    if (!m_socketPath.isEmpty())
-        return true;
+}
+
+QVSingleInstance::~QVSingleInstance() = default;
+
+QVSingleInstance::Outcome QVSingleInstance::claimOrAskToReopen(QString *error)
+{
     const QString directory = privateDirectory(error);
     if (directory.isEmpty())
-        return false;
+        return Outcome::Failed;
     // Two spellings of one file are one instance; the hash keeps the socket path short
     // (a local socket's path has room for 107 bytes only).
     const QString settings = QDir::cleanPath(QFileInfo(m_settingsFilePath).absoluteFilePath());
     const QString name
         = QString::fromLatin1(QCryptographicHash::hash(settings.toUtf8(), QCryptographicHash::Sha256).toHex().left(24));
-    m_lockPath = directory + u'/' + name + QStringLiteral(".lock");
+    const QString lockPath = directory + u'/' + name + QStringLiteral(".lock");
     m_socketPath = directory + u'/' + name + QStringLiteral(".socket");
-    return true;
-}
 
-bool QVSingleInstance::claim(QString *error)
-{
-    m_heldByAnother = false;
-    if (!preparePaths(error))
-        return false;
-    auto lock = std::make_unique<QLockFile>(m_lockPath);
+    auto lock = std::make_unique<QLockFile>(lockPath);
     // A lock is stale only when its process is gone; its age never counts, so a
     // long-running owner is never robbed.
     lock->setStaleLockTime(0);
     if (!lock->tryLock(0)) {
-        if (lock->error() == QLockFile::LockFailedError) {
-            m_heldByAnother = true;
-            qint64 pid = 0;
-            QString host, application;
-            lock->getLockInfo(&pid, &host, &application);
-            *error = QStringLiteral("another Corvane (process %1) uses %2").arg(pid).arg(m_settingsFilePath);
-        } else {
-            *error = QStringLiteral("cannot lock %1").arg(m_lockPath);
+        if (lock->error() != QLockFile::LockFailedError) {
+            *error = QStringLiteral("cannot lock %1").arg(lockPath);
+            return Outcome::Failed;
         }
-        return false;
+        if (askToReopen(error))
+            return Outcome::AskedToReopen;
+        *error = QStringLiteral("another Corvane uses %1 but did not answer: %2").arg(m_settingsFilePath, *error);
+        return Outcome::Failed;
     }
     m_lock = std::move(lock);
     if (!listen(error)) {
         m_lock.reset();
-        return false;
+        return Outcome::Failed;
     }
-    return true;
+    return Outcome::Claimed;
 }
 
 bool QVSingleInstance::listen(QString *error)
@@ -176,10 +167,8 @@ void QVSingleInstance::answer(QLocalSocket *socket)
         Q_EMIT reopenRequested();
 }
 
-bool QVSingleInstance::askRunningInstanceToReopen(QString *error)
+bool QVSingleInstance::askToReopen(QString *error)
 {
-    if (!preparePaths(error))
-        return false;
     QLocalSocket socket;
     // The owner takes the lock a moment before it listens: keep knocking for a while.
     const QDeadlineTimer connectDeadline(connectMilliseconds);

@@ -113,16 +113,10 @@ int main(int argc, char **argv)
         = commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath() : commandLine.settingsPath;
     QString error;
     QVSingleInstance singleInstance(settingsPath);
-    if (!singleInstance.claim(&error)) {
-        if (!singleInstance.isHeldByAnotherInstance()) {
-            printLine(stderr, QStringLiteral("corvane: %1\n").arg(error));
-            return 1;
-        }
-        if (singleInstance.askRunningInstanceToReopen(&error))
-            return 0;
-        printLine(stderr,
-            QStringLiteral("corvane: another Corvane uses %1 but did not answer: %2\n").arg(settingsPath, error));
-        return 1;
+    switch (singleInstance.claimOrAskToReopen(&error)) {
+    case QVSingleInstance::Outcome::Claimed: break;
+    case QVSingleInstance::Outcome::AskedToReopen: return 0;
+    case QVSingleInstance::Outcome::Failed: printLine(stderr, QStringLiteral("corvane: %1\n").arg(error)); return 1;
     }
 
     std::unique_ptr<QVX11Platform> platform = QVX11Platform::open(std::move(connection), &error);

@@ -12,11 +12,10 @@
 #include <fcntl.h>
 #include <fstream>
 #include <optional>
-#include <poll.h>
 #include <signal.h>
+#include <spawn.h>
 #include <string>
 #include <string_view>
-#include <sys/syscall.h>
 #include <sys/types.h>
 #include <thread>
 #include <unistd.h>
@@ -64,12 +63,6 @@ int timeoutMilliseconds()
     return value && *value > 0 && *value <= 3600000 ? int(*value) : defaultTimeoutMilliseconds;
 }
 
-int remainingMilliseconds(Clock::time_point deadline)
-{
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-    return left > 0 ? int(left) : 0;
-}
-
 // A zombie still answers kill(pid, 0) although it has ended: its parent has not reaped it yet.
 bool isGoneOrZombie(pid_t pid)
 {
@@ -83,8 +76,11 @@ bool isGoneOrZombie(pid_t pid)
     return nameEnd != std::string::npos && nameEnd + 2 < line.size() && line[nameEnd + 2] == 'Z';
 }
 
-bool waitByPolling(pid_t pid, Clock::time_point deadline)
+// Polled rather than watched through a pid file descriptor: one way on every kernel,
+// and a few checks a second cost nothing while the old process winds down.
+bool waitForEnd(pid_t pid, int timeout)
 {
+    const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeout);
     for (;;) {
         if (isGoneOrZombie(pid))
             return true;
@@ -94,85 +90,22 @@ bool waitByPolling(pid_t pid, Clock::time_point deadline)
     }
 }
 
-// A pid file descriptor turns readable when the process ends, without a polling loop;
-// older kernels (before 5.3) lack it, and CORVANE_RESTART_POLL forces the loop for tests.
-std::optional<bool> waitByPidfd(pid_t pid, Clock::time_point deadline)
-{
-#ifdef SYS_pidfd_open
-    if (std::getenv("CORVANE_RESTART_POLL"))
-        return std::nullopt;
-    const int descriptor = int(::syscall(SYS_pidfd_open, pid, 0));
-    if (descriptor < 0)
-        return errno == ESRCH ? std::optional<bool>(true) : std::nullopt;
-    pollfd entry { descriptor, POLLIN, 0 };
-    int result = 0;
-    do {
-        result = ::poll(&entry, 1, remainingMilliseconds(deadline));
-    } while (result < 0 && errno == EINTR);
-    ::close(descriptor);
-    if (result < 0)
-        return std::nullopt;
-    return result > 0;
-#else
-    (void)pid;
-    (void)deadline;
-    return std::nullopt;
-#endif
-}
-
-bool waitForEnd(pid_t pid, int timeout)
-{
-    const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeout);
-    if (const std::optional<bool> ended = waitByPidfd(pid, deadline))
-        return *ended;
-    return waitByPolling(pid, deadline);
-}
-
-void redirectToNull(bool keepOutput)
-{
-    const int null = ::open("/dev/null", O_RDWR);
-    if (null < 0)
-        return;
-    ::dup2(null, STDIN_FILENO);
-    if (!keepOutput) {
-        ::dup2(null, STDOUT_FILENO);
-        ::dup2(null, STDERR_FILENO);
-    }
-    if (null > STDERR_FILENO)
-        ::close(null);
-}
-
-// Forks, and in the child leaves this session and executes the program; the child
-// reports a failed exec through a pipe that a successful exec closes.
+// In a session of its own, so that whatever ends the old process's session spares the
+// new one; posix_spawn reports a failed exec itself.
 int start(char *binary, char **arguments)
 {
-    int report[2];
-    if (::pipe2(report, O_CLOEXEC) != 0) {
-        std::fprintf(stderr, "corvane-restart: cannot make a pipe: %s\n", std::strerror(errno));
-        return notStarted;
-    }
-    const pid_t child = ::fork();
-    if (child < 0) {
-        std::fprintf(stderr, "corvane-restart: cannot fork: %s\n", std::strerror(errno));
-        return notStarted;
-    }
-    if (child == 0) {
-        ::close(report[0]);
-        ::setsid();
-        redirectToNull(std::getenv("CORVANE_RESTART_INHERIT_STDIO") != nullptr);
-        ::execv(binary, arguments);
-        const int error = errno;
-        [[maybe_unused]] const ssize_t written = ::write(report[1], &error, sizeof error);
-        ::_exit(127);
-    }
-    ::close(report[1]);
-    int error = 0;
-    ssize_t got = 0;
-    do {
-        got = ::read(report[0], &error, sizeof error);
-    } while (got < 0 && errno == EINTR);
-    ::close(report[0]);
-    if (got == ssize_t(sizeof error)) {
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    for (const int descriptor : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO })
+        ::posix_spawn_file_actions_addopen(&actions, descriptor, "/dev/null", O_RDWR, 0);
+    posix_spawnattr_t attributes;
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+    pid_t child = 0;
+    const int error = ::posix_spawn(&child, binary, &actions, &attributes, arguments, environ);
+    ::posix_spawnattr_destroy(&attributes);
+    ::posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) {
         std::fprintf(stderr, "corvane-restart: cannot start %s: %s\n", binary, std::strerror(error));
         return notStarted;
     }
