@@ -220,12 +220,11 @@ void TestHotKey::storedValuesThatNameNoKey()
     QString refusal;
     const bool registered = hotKey->registerForDelegate(&app, false, &refusal);
     if (reason.isEmpty()) {
-        QVERIFY2(registered && hotKey->unusableReason().isEmpty(), qPrintable(refusal));
+        QVERIFY2(registered, qPrintable(refusal));
         return;
     }
     QVERIFY(!registered && !hotKey->isRegistered());
     QVERIFY2(refusal.contains(reason), qPrintable(refusal));
-    QCOMPARE(hotKey->unusableReason(), refusal);
     QVERIFY2(app.platform.registrationRequests.isEmpty(), "nothing that names no key reaches the service");
     QCOMPARE(hotKey->dictionaryRepresentation(), stored); // written back as it was
 }
