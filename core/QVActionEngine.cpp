@@ -68,6 +68,11 @@ bool QVActionEngine::performActionTriggeredByControl(
             return false;
         control = matched.get();
     }
+    // A click goes where the pointer is: no need to ask the window system where that is.
+    if (control->action() == QVAction::Click || control->action() == QVAction::RightClick) {
+        click(control->action() == QVAction::RightClick);
+        return true;
+    }
 
     const QVDisplayService::Snapshot snapshot = m_displays.displaysAndMouseLocation();
     const QVDisplayList &displays = snapshot.displays;
@@ -101,8 +106,6 @@ bool QVActionEngine::performActionTriggeredByControl(
         else
             m_screenSection->activateOverlayWithFrame(frame);
         break;
-    case QVAction::Click:
-    case QVAction::RightClick: click(control->action() == QVAction::RightClick); break;
     default: QVLog(QStringLiteral("unknown action")); break;
     }
 

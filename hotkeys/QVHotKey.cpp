@@ -17,10 +17,10 @@ const QString visualRepresentationKey = QStringLiteral("Visual Representation");
 const QString keyCodeKey = QStringLiteral("Key Code");
 const QString modifierFlagsKey = QStringLiteral("Modifier Flags");
 
-bool defaultsBool(const char *key)
+bool defaultsBool(const QString &key)
 {
     const QVUserDefaults *defaults = QVUserDefaults::standardUserDefaults();
-    return defaults && defaults->boolForKey(QString::fromLatin1(key));
+    return defaults && defaults->boolForKey(key);
 }
 
 QVCapsLockRule capsLockRule(quint64 flags)
@@ -118,15 +118,20 @@ bool QVHotKey::isEqualToHotKey(const QVHotKey &other) const
 
 bool QVHotKey::matchesEvent(const QVEvent *event) const
 {
-    if (!event || !isRegistered() || !QVIsModifierFlagsMatch(event->modifierFlags, m_modifierFlags))
+    if (!event || !isRegistered())
         return false;
+    // The key first: every control is asked on each press, and the modifier rule
+    // reads two settings, so only the one whose key it is pays for that.
+    bool sameKey = false;
     switch (event->type) {
-    case QVEvent::KeyDown: return event->keyCode == m_keyCode;
+    case QVEvent::KeyDown: sameKey = event->keyCode == m_keyCode; break;
     case QVEvent::SystemDefined:
-        return event->subtype == QVEvent::HotKeyPressed
+        sameKey = event->subtype == QVEvent::HotKeyPressed
             && static_cast<quint32>(event->data1) == static_cast<quint32>(m_hotKeyReference);
-    default: return false;
+        break;
+    default: break;
     }
+    return sameKey && QVIsModifierFlagsMatch(event->modifierFlags, m_modifierFlags);
 }
 
 bool QVHotKey::registerForDelegate(QVHotKeyDelegate *delegate, bool testOnly, QString *reason)
@@ -185,12 +190,12 @@ void QVHotKey::unregister()
 
 bool QVHotKey::requireExactModifierKeyMatches()
 {
-    return defaultsBool("Hot Keys Require Exact Modifier Key Matches");
+    return defaultsBool(QStringLiteral("Hot Keys Require Exact Modifier Key Matches"));
 }
 
 bool QVHotKey::ignoreCapsLock()
 {
-    return !defaultsBool("Hot Keys Account For Caps Lock Status");
+    return !defaultsBool(QStringLiteral("Hot Keys Account For Caps Lock Status"));
 }
 
 quint32 QVHotKey::singletonIncrementingID()

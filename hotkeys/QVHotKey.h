@@ -26,18 +26,14 @@ public:
     static QVHotKeyRef hotKeyWithIdentifer(
         const QString &identifier, const QString &visualRepresentation, quint16 keyCode, quint64 modifierFlags);
     // Nothing when the identifier or the text is missing. Stored values that name
-    // no key (see unusableReason) give a hot key that never registers and writes
+    // no key give a hot key that never registers (the refusal says why) and writes
     // the dictionary back as it was.
     static QVHotKeyRef hotKeyWithDictionaryRepresentation(const QJsonObject &dictionary);
     QJsonObject dictionaryRepresentation() const;
-    // Why the stored key code or modifier flags cannot be a hot key; empty when they can.
-    QString unusableReason() const { return m_unusableReason; }
 
     QString identifier() const { return m_identifier; }
-    void setIdentifier(const QString &identifier) { m_identifier = identifier; }
     // The recorded text, redone for the current modifier flags and settings.
     QString visualRepresentation() const;
-    void setVisualRepresentation(const QString &text) { m_visualRepresentation = text; }
     quint16 keyCode() const { return m_keyCode; }
     quint64 modifierFlags() const { return m_modifierFlags; }
     QVHotKeyService::Handle hotKeyReference() const { return m_hotKeyReference; }

@@ -26,8 +26,6 @@ public:
     // The current monitors, and the pointer too when asked: no round trip when
     // the list is known and the pointer is given by the event being handled.
     const QVDisplayList &current(QVPoint *pointer = nullptr);
-    // As last read.
-    const QVDisplayList &displays() const { return m_displays; }
 
     // Whether the event is a change of the monitors (and forgets the list if so).
     bool handleEvent(const xcb_generic_event_t *event);

@@ -35,7 +35,6 @@ public:
     // Turns a key press or release on a grabbed combination into hot key events.
     // False when the event is none of ours.
     bool handleKeyEvent(const xcb_key_press_event_t *event, bool press, const EventSink &sink);
-    bool isKeyDown(xcb_keycode_t keyCode) const { return m_keysDown.contains(keyCode); }
     // The release of a hot key's key seen without the grab (Corvane let go of the
     // grab, or another client took the keyboard): it ends the hot key all the same.
     bool handleUngrabbedRelease(xcb_keycode_t keyCode, const EventSink &sink);

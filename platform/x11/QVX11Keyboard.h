@@ -31,7 +31,6 @@ public:
     void refreshMapping();
 
     quint8 xkbFirstEvent() const { return m_xkbFirstEvent; }
-    quint8 xinputOpcode() const { return m_xinputOpcode; }
     bool detectableAutoRepeat() const { return m_detectableAutoRepeat; }
 
     quint16 numLockMask() const { return m_numLockMask; }

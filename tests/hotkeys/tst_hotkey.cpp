@@ -150,6 +150,7 @@ void TestHotKey::matchesEvent()
     QVERIFY(matches(system, pressed, handle, 0, Control | Option));
     QVERIFY(matches(system, pressed, handle + (quint64(1) << 32), 0, Control | Option)); // low 32 bits only
     QVERIFY(!matches(system, pressed, handle + 1, 0, Control | Option));
+    QVERIFY(!matches(system, pressed, handle, 0, Control)); // a shared grab: the modifiers pick the control
     QVERIFY(!matches(system, QVEvent::HotKeyReleased, handle, 114, Control | Option));
     QVERIFY(!hotKey.matchesEvent(nullptr));
 
@@ -219,12 +220,11 @@ void TestHotKey::storedValuesThatNameNoKey()
     QString refusal;
     const bool registered = hotKey->registerForDelegate(&app, false, &refusal);
     if (reason.isEmpty()) {
-        QVERIFY2(registered && hotKey->unusableReason().isEmpty(), qPrintable(refusal));
+        QVERIFY2(registered, qPrintable(refusal));
         return;
     }
     QVERIFY(!registered && !hotKey->isRegistered());
     QVERIFY2(refusal.contains(reason), qPrintable(refusal));
-    QCOMPARE(hotKey->unusableReason(), refusal);
     QVERIFY2(app.platform.registrationRequests.isEmpty(), "nothing that names no key reaches the service");
     QCOMPARE(hotKey->dictionaryRepresentation(), stored); // written back as it was
 }

@@ -20,13 +20,9 @@ class QVFakePlatform final : public QVPlatform
 {
 public:
     QVDisplayList displays() const override { return displayList; }
-    QVPoint mouseLocation() const override { return pointer; }
+    QVPoint mouseLocation() const override { return ++pointerReads, pointer; }
     bool postMouseMoved(const QVPoint &globalPoint) override { return postedMoves.append(globalPoint), true; }
-    bool postMouseButton(bool down, bool right, bool) override
-    {
-        buttons.append({ down, right });
-        return ++buttonEvents, true;
-    }
+    bool postMouseButton(bool down, bool right, bool) override { return buttons.append({ down, right }), true; }
     // Handles count up from 1; combinations in refused are turned down.
     std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason) override
     {
@@ -51,10 +47,10 @@ public:
 
     QVDisplayList displayList;
     QVPoint pointer;
+    mutable int pointerReads = 0; // each a round trip on X
     RepeatThresholds thresholds { 15, 2 };
     QList<QPair<quint16, quint32>> refused; // key code, carbon modifiers
     QList<QVPoint> postedMoves; // global coordinates
-    int buttonEvents = 0;
     QList<QPair<bool, bool>> buttons; // (down, right button), in order
     QList<QVHotKeyRegistration> registrationRequests; // refused ones included
     QMap<Handle, QVHotKeyRegistration> activeHotKeys;

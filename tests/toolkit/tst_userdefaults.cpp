@@ -209,7 +209,9 @@ void TestUserDefaults::unreadableFileIsNeverWrittenOver()
         QVERIFY(!defaults.setObject(5, delayKey));
     }
     QCOMPARE(fileContents(path), stored);
-    QCOMPARE(log.lines(QStringLiteral("cannot be read")).size(), 1);
+    const QStringList said = log.lines(QStringLiteral("cannot be read"));
+    QCOMPARE(said.size(), 1);
+    QVERIFY2(said.first().contains(QLatin1String("does not write over it")), qPrintable(said.first()));
     QVERIFY(brokenFiles(directory).isEmpty());
 
     // Once another program lets it be read, it is taken in and written again.
