@@ -32,7 +32,6 @@
 
 namespace
 {
-QVMainController *sharedController = nullptr;
 const QString capsLockKey = QStringLiteral("Hot Keys Account For Caps Lock Status");
 const QString stealthModeKey = QStringLiteral("Stealth Mode");
 const QString debugLogKey = QStringLiteral("QVDebugLog");
@@ -74,21 +73,7 @@ QVMainController::QVMainController(QVPlatform &platform, QVUserDefaults &default
     m_engine.setScreenSectionPresenter(this);
 }
 
-QVMainController::~QVMainController()
-{
-    if (sharedController == this)
-        sharedController = nullptr;
-}
-
-QVMainController *QVMainController::defaultController()
-{
-    return sharedController;
-}
-
-void QVMainController::setDefaultController(QVMainController *controller)
-{
-    sharedController = controller;
-}
+QVMainController::~QVMainController() = default;
 
 QVContextMenuBuilder::Targets QVMainController::menuTargets()
 {
@@ -113,7 +98,6 @@ void QVMainController::applicationWillFinishLaunching()
 
 void QVMainController::applicationDidFinishLaunching()
 {
-    QVCustomControlManager::setDefaultManager(m_manager.get());
     m_manager->loadControls();
 
     // A restart hands the page over once.

@@ -37,8 +37,6 @@ public:
     QVMainController(QVPlatform &platform, QVUserDefaults &defaults, QObject *parent = nullptr);
     ~QVMainController() override;
 
-    static QVMainController *defaultController();
-    static void setDefaultController(QVMainController *controller);
 
     // Puts the windows into the task bar in the mode that wants it.
     void applicationWillFinishLaunching();

@@ -129,7 +129,6 @@ int main(int argc, char **argv)
     QVUserDefaults::setStandardUserDefaults(&defaults);
 
     QVMainController controller(*platform, defaults);
-    QVMainController::setDefaultController(&controller);
     QObject::connect(&singleInstance, &QVSingleInstance::reopenRequested, &controller,
         &QVMainController::applicationShouldHandleReopen);
 
@@ -155,7 +154,6 @@ int main(int argc, char **argv)
               .arg(controller.customControlManager().controls().size())
               .arg(defaults.filePath()));
     const int status = QVEventParserApplication::exec();
-    QVMainController::setDefaultController(nullptr);
     QVUserDefaults::setStandardUserDefaults(nullptr);
     return status;
 }

@@ -10,7 +10,6 @@
 namespace
 {
 
-QVCustomControlManager *sharedManager = nullptr;
 const QString customControlsKey = QStringLiteral("Custom Controls");
 
 // What a save would lose of the stored value: anything but dictionaries in a list.
@@ -45,16 +44,6 @@ QVCustomControlManager::QVCustomControlManager(
     , m_applicationDelegate(applicationDelegate)
     , m_beep(std::move(beep))
 {
-}
-
-QVCustomControlManager *QVCustomControlManager::defaultManager()
-{
-    return sharedManager;
-}
-
-void QVCustomControlManager::setDefaultManager(QVCustomControlManager *manager)
-{
-    sharedManager = manager;
 }
 
 void QVCustomControlManager::loadControls()

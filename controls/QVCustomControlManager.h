@@ -18,10 +18,6 @@ class QVCustomControlManager final
 public:
     QVCustomControlManager(QVUserDefaults *defaults, QVHotKeyDelegate *applicationDelegate, std::function<void()> beep);
 
-    // The instance the application uses, set up by main.
-    static QVCustomControlManager *defaultManager();
-    static void setDefaultManager(QVCustomControlManager *manager);
-
     // Reads "Custom Controls"; every stored hot key is registered again, and one
     // that cannot be is kept inactive. When the value is not a list of
     // dictionaries, the file as it is is kept aside before it is next written.

@@ -33,15 +33,6 @@ QVCorvaneProcess::~QVCorvaneProcess()
         stop(SIGKILL);
 }
 
-void QVCorvaneProcess::setUser(uint userId, uint groupId)
-{
-    m_process.setArguments(
-        QStringList { QStringLiteral("--reuid=%1").arg(userId), QStringLiteral("--regid=%1").arg(groupId),
-            QStringLiteral("--clear-groups"), QStringLiteral("--"), m_process.program() }
-        + m_process.arguments());
-    m_process.setProgram(QStringLiteral("setpriv")); // it runs corvane in its own place, under the same id
-}
-
 void QVCorvaneProcess::setEnvironmentVariable(const QString &name, const QString &value)
 {
     QProcessEnvironment environment = m_process.processEnvironment();

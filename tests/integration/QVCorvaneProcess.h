@@ -20,9 +20,6 @@ public:
 
     // For the process not yet started, e.g. QT_SCALE_FACTOR.
     void setEnvironmentVariable(const QString &name, const QString &value);
-    // Starts it as another user (through setpriv): the file modes that root's
-    // access ignores then hold, as they do for a user's own corvane.
-    void setUser(uint userId, uint groupId);
     // Starts and waits until it has registered its hot keys; false on a deadline.
     bool start();
     // Sends the signal and waits for the exit; the exit code, or -1.
