@@ -27,8 +27,6 @@ constexpr qint64 checkInterval = 24 * 60 * 60; // seconds
 // runs before the network is up after a login.
 constexpr qint64 overdueCheckDelay = 10; // seconds
 
-QVSparkleWrapper *sharedWrapper = nullptr;
-
 qint64 now()
 {
     return QDateTime::currentSecsSinceEpoch();
@@ -49,7 +47,7 @@ QVSparkleWrapper::QVSparkleWrapper(QVUserDefaults &defaults, const QString &appl
     connect(m_client, &QVAppcastClient::failed, this, &QVSparkleWrapper::checkFailed);
     m_fallbackTimer.setSingleShot(true);
     m_fallbackTimer.setInterval(0);
-    connect(&m_fallbackTimer, &QTimer::timeout, this, &QVSparkleWrapper::updaterDidNotFindUpdateFallback);
+    connect(&m_fallbackTimer, &QTimer::timeout, this, &QVSparkleWrapper::updaterDidNotFindUpdate);
     m_automaticCheckTimer.setSingleShot(true);
     m_automaticCheckTimer.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_automaticCheckTimer, &QTimer::timeout, this, &QVSparkleWrapper::automaticCheckDue);
@@ -61,21 +59,7 @@ QVSparkleWrapper::QVSparkleWrapper(QVUserDefaults &defaults, const QString &appl
     resetUpdateCycle();
 }
 
-QVSparkleWrapper::~QVSparkleWrapper()
-{
-    if (sharedWrapper == this)
-        sharedWrapper = nullptr;
-}
-
-QVSparkleWrapper *QVSparkleWrapper::sharedSparkleWrapper()
-{
-    return sharedWrapper;
-}
-
-void QVSparkleWrapper::setSharedSparkleWrapper(QVSparkleWrapper *wrapper)
-{
-    sharedWrapper = wrapper;
-}
+QVSparkleWrapper::~QVSparkleWrapper() = default;
 
 QUrl QVSparkleWrapper::feedURL() const
 {
@@ -175,11 +159,6 @@ void QVSparkleWrapper::updaterDidFindValidUpdate(const QVAppcastItem &item)
 }
 
 void QVSparkleWrapper::updaterDidNotFindUpdate()
-{
-    setUpdateVersion(QLatin1String(""));
-}
-
-void QVSparkleWrapper::updaterDidNotFindUpdateFallback()
 {
     setUpdateVersion(QLatin1String(""));
 }

@@ -31,11 +31,6 @@ public:
         QNetworkAccessManager *network = nullptr, QObject *parent = nullptr);
     ~QVSparkleWrapper() override;
 
-    // The front end the application uses, set up by main.
-    static QVSparkleWrapper *sharedSparkleWrapper();
-    static void setSharedSparkleWrapper(QVSparkleWrapper *wrapper);
-
-    QString currentShortVersionString() const { return m_applicationVersion; }
     // "SUFeedURL" when it is set, else the address built in.
     QUrl feedURL() const;
 
@@ -56,7 +51,6 @@ public:
     void updaterDidFinishLoadingAppcast(const QVAppcast &appcast);
     void updaterDidFindValidUpdate(const QVAppcastItem &item);
     void updaterDidNotFindUpdate();
-    void updaterDidNotFindUpdateFallback();
 
     // Called at the end of updateControls: the page's height may have changed.
     void setUpdatePreferencesWindowFrame(std::function<void()> callback);
