@@ -105,22 +105,16 @@ void QVSparkleWrapper::visitProductPage(QWidget *sender)
     QDesktopServices::openUrl(url);
 }
 
-QJsonObject &QVSparkleWrapper::mutableStatus()
+// Read from the settings each time, so that an outside edit of the file is seen.
+QJsonObject QVSparkleWrapper::status() const
 {
-    if (!m_status)
-        m_status = m_defaults.objectForKey(statusKey).toObject();
-    return *m_status;
-}
-
-QJsonObject QVSparkleWrapper::status()
-{
-    return mutableStatus();
+    return m_defaults.objectForKey(statusKey).toObject();
 }
 
 void QVSparkleWrapper::setUpdateVersion(const QString &version)
 {
     m_fallbackTimer.stop();
-    QJsonObject &status = mutableStatus();
+    QJsonObject status = this->status();
     if (!m_applicationVersion.isEmpty()) {
         status.insert(QVUpdateStatusText::currentVersionKey, m_applicationVersion);
         if (!version.isNull()) {
@@ -139,7 +133,7 @@ void QVSparkleWrapper::updateControls()
     if (!m_page)
         return;
     m_page->autoUpdateCheckingSwitch()->setChecked(automaticallyChecksForUpdates());
-    const QJsonObject &status = mutableStatus();
+    const QJsonObject status = this->status();
     m_page->setStatusLines(QVUpdateStatusText::statusLine(status, m_applicationName, m_applicationVersion),
         QVUpdateStatusText::dateLine(status, m_applicationVersion));
     if (m_updatePreferencesWindowFrame)
