@@ -15,6 +15,27 @@ QString displayAddress(const QUrl &url)
     return url.toDisplayString(QUrl::RemoveUserInfo);
 }
 
+bool isLoopbackUrl(const QUrl &url)
+{
+    const QString host = url.host();
+    if (host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0)
+        return true;
+    const QHostAddress address(host);
+    return !address.isNull() && address.isLoopback();
+}
+
+// Whether a feed may be fetched from the address (the same rule for redirects,
+// where the loopback exception holds only when the feed was on loopback).
+bool isAllowedUrl(const QUrl &url, bool loopbackAllowed = true)
+{
+    if (!url.isValid() || url.host().isEmpty())
+        return false;
+    const QString scheme = url.scheme().toLower();
+    if (scheme == QLatin1String("https"))
+        return true;
+    return scheme == QLatin1String("http") && loopbackAllowed && isLoopbackUrl(url);
+}
+
 } // namespace
 
 QVAppcastClient::QVAppcastClient(QNetworkAccessManager *manager, QObject *parent)
@@ -28,25 +49,6 @@ QVAppcastClient::QVAppcastClient(QNetworkAccessManager *manager, QObject *parent
 QVAppcastClient::~QVAppcastClient()
 {
     dropReply();
-}
-
-bool QVAppcastClient::isLoopbackUrl(const QUrl &url)
-{
-    const QString host = url.host();
-    if (host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0)
-        return true;
-    const QHostAddress address(host);
-    return !address.isNull() && address.isLoopback();
-}
-
-bool QVAppcastClient::isAllowedUrl(const QUrl &url, bool loopbackAllowed)
-{
-    if (!url.isValid() || url.host().isEmpty())
-        return false;
-    const QString scheme = url.scheme().toLower();
-    if (scheme == QLatin1String("https"))
-        return true;
-    return scheme == QLatin1String("http") && loopbackAllowed && isLoopbackUrl(url);
 }
 
 void QVAppcastClient::fetch(const QUrl &feedUrl)

@@ -29,11 +29,6 @@ public:
     void setTimeout(std::chrono::milliseconds timeout) { m_timeout = timeout; }
     void setMaximumSize(qint64 bytes) { m_maximumSize = bytes; }
 
-    // Whether a feed may be fetched from the address (the same rule for redirects,
-    // where the loopback exception holds only when the feed was on loopback).
-    static bool isAllowedUrl(const QUrl &url, bool loopbackAllowed = true);
-    static bool isLoopbackUrl(const QUrl &url);
-
     // Starts fetching; a fetch still running is abandoned without a signal.
     void fetch(const QUrl &feedUrl);
     // Abandons the running fetch without a signal.

@@ -17,6 +17,15 @@ QByteArray dataUrlContents(const QUrl &url)
     return header.endsWith(";base64") ? QByteArray::fromBase64(payload) : payload;
 }
 
+// The HTML without script elements (QTextBrowser runs none, but they would show as text).
+QString withoutScripts(QString html)
+{
+    // An unterminated script element takes the rest of the text with it.
+    static const QRegularExpression script(QStringLiteral("<script\\b.*?(</script\\s*>|$)"),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    return html.remove(script);
+}
+
 } // namespace
 
 QVReleaseNotesBrowser::QVReleaseNotesBrowser(QWidget *parent)
@@ -38,13 +47,4 @@ QVariant QVReleaseNotesBrowser::loadResource(int type, const QUrl &name)
     if (name.scheme().compare(QLatin1String("data"), Qt::CaseInsensitive) == 0)
         return dataUrlContents(name);
     return {};
-}
-
-QString QVReleaseNotesBrowser::withoutScripts(const QString &html)
-{
-    // An unterminated script element takes the rest of the text with it.
-    static const QRegularExpression script(QStringLiteral("<script\\b.*?(</script\\s*>|$)"),
-        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
-    QString result = html;
-    return result.remove(script);
 }

@@ -14,7 +14,4 @@ public:
 
     void setReleaseNotes(const QString &html);
     QVariant loadResource(int type, const QUrl &name) override;
-
-    // The HTML without script elements (QTextBrowser runs none, but they would show as text).
-    static QString withoutScripts(const QString &html);
 };

@@ -27,8 +27,6 @@ constexpr qint64 checkInterval = 24 * 60 * 60; // seconds
 // runs before the network is up after a login.
 constexpr qint64 overdueCheckDelay = 10; // seconds
 
-QVSparkleWrapper *sharedWrapper = nullptr;
-
 qint64 now()
 {
     return QDateTime::currentSecsSinceEpoch();
@@ -49,7 +47,7 @@ QVSparkleWrapper::QVSparkleWrapper(QVUserDefaults &defaults, const QString &appl
     connect(m_client, &QVAppcastClient::failed, this, &QVSparkleWrapper::checkFailed);
     m_fallbackTimer.setSingleShot(true);
     m_fallbackTimer.setInterval(0);
-    connect(&m_fallbackTimer, &QTimer::timeout, this, &QVSparkleWrapper::updaterDidNotFindUpdateFallback);
+    connect(&m_fallbackTimer, &QTimer::timeout, this, &QVSparkleWrapper::updaterDidNotFindUpdate);
     m_automaticCheckTimer.setSingleShot(true);
     m_automaticCheckTimer.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_automaticCheckTimer, &QTimer::timeout, this, &QVSparkleWrapper::automaticCheckDue);
@@ -61,21 +59,7 @@ QVSparkleWrapper::QVSparkleWrapper(QVUserDefaults &defaults, const QString &appl
     resetUpdateCycle();
 }
 
-QVSparkleWrapper::~QVSparkleWrapper()
-{
-    if (sharedWrapper == this)
-        sharedWrapper = nullptr;
-}
-
-QVSparkleWrapper *QVSparkleWrapper::sharedSparkleWrapper()
-{
-    return sharedWrapper;
-}
-
-void QVSparkleWrapper::setSharedSparkleWrapper(QVSparkleWrapper *wrapper)
-{
-    sharedWrapper = wrapper;
-}
+QVSparkleWrapper::~QVSparkleWrapper() = default;
 
 QUrl QVSparkleWrapper::feedURL() const
 {
@@ -121,22 +105,16 @@ void QVSparkleWrapper::visitProductPage(QWidget *sender)
     QDesktopServices::openUrl(url);
 }
 
-QJsonObject &QVSparkleWrapper::mutableStatus()
+// Read from the settings each time, so that an outside edit of the file is seen.
+QJsonObject QVSparkleWrapper::status() const
 {
-    if (!m_status)
-        m_status = m_defaults.objectForKey(statusKey).toObject();
-    return *m_status;
-}
-
-QJsonObject QVSparkleWrapper::status()
-{
-    return mutableStatus();
+    return m_defaults.objectForKey(statusKey).toObject();
 }
 
 void QVSparkleWrapper::setUpdateVersion(const QString &version)
 {
     m_fallbackTimer.stop();
-    QJsonObject &status = mutableStatus();
+    QJsonObject status = this->status();
     if (!m_applicationVersion.isEmpty()) {
         status.insert(QVUpdateStatusText::currentVersionKey, m_applicationVersion);
         if (!version.isNull()) {
@@ -155,7 +133,7 @@ void QVSparkleWrapper::updateControls()
     if (!m_page)
         return;
     m_page->autoUpdateCheckingSwitch()->setChecked(automaticallyChecksForUpdates());
-    const QJsonObject &status = mutableStatus();
+    const QJsonObject status = this->status();
     m_page->setStatusLines(QVUpdateStatusText::statusLine(status, m_applicationName, m_applicationVersion),
         QVUpdateStatusText::dateLine(status, m_applicationVersion));
     if (m_updatePreferencesWindowFrame)
@@ -175,11 +153,6 @@ void QVSparkleWrapper::updaterDidFindValidUpdate(const QVAppcastItem &item)
 }
 
 void QVSparkleWrapper::updaterDidNotFindUpdate()
-{
-    setUpdateVersion(QLatin1String(""));
-}
-
-void QVSparkleWrapper::updaterDidNotFindUpdateFallback()
 {
     setUpdateVersion(QLatin1String(""));
 }

@@ -9,7 +9,6 @@
 #include <QUrl>
 #include <functional>
 #include <memory>
-#include <optional>
 
 class QNetworkAccessManager;
 class QVAppcastClient;
@@ -31,11 +30,6 @@ public:
         QNetworkAccessManager *network = nullptr, QObject *parent = nullptr);
     ~QVSparkleWrapper() override;
 
-    // The front end the application uses, set up by main.
-    static QVSparkleWrapper *sharedSparkleWrapper();
-    static void setSharedSparkleWrapper(QVSparkleWrapper *wrapper);
-
-    QString currentShortVersionString() const { return m_applicationVersion; }
     // "SUFeedURL" when it is set, else the address built in.
     QUrl feedURL() const;
 
@@ -46,7 +40,7 @@ public:
     // Opens the address in the sender's tool tip; beeps when there is none.
     void visitProductPage(QWidget *sender);
 
-    QJsonObject status();
+    QJsonObject status() const;
     // Records the outcome of a check: the version found, the empty string for none;
     // a null string removes the outcome but keeps the date.
     void setUpdateVersion(const QString &version);
@@ -56,7 +50,6 @@ public:
     void updaterDidFinishLoadingAppcast(const QVAppcast &appcast);
     void updaterDidFindValidUpdate(const QVAppcastItem &item);
     void updaterDidNotFindUpdate();
-    void updaterDidNotFindUpdateFallback();
 
     // Called at the end of updateControls: the page's height may have changed.
     void setUpdatePreferencesWindowFrame(std::function<void()> callback);
@@ -70,7 +63,6 @@ public:
     const QTimer &automaticCheckTimer() const { return m_automaticCheckTimer; }
 
 private:
-    QJsonObject &mutableStatus();
     void startCheck(bool userInitiated);
     void appcastLoaded(const QVAppcast &appcast);
     void checkFailed(const QString &message);
@@ -85,7 +77,6 @@ private:
     QVAppcastClient *m_client;
     std::unique_ptr<QVUpdateDialog> m_dialog;
     QPointer<QVUpdatesPage> m_page;
-    std::optional<QJsonObject> m_status; // read on first use, then written back whole
     std::function<void()> m_updatePreferencesWindowFrame;
     QTimer m_fallbackTimer;
     QTimer m_automaticCheckTimer;

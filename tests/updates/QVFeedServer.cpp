@@ -32,12 +32,6 @@ QUrl QVFeedServer::url(const QByteArray &path) const
     return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(port()).arg(QString::fromLatin1(path)));
 }
 
-void QVFeedServer::clearRequests()
-{
-    m_requests.clear();
-    m_userAgents.clear();
-}
-
 void QVFeedServer::accept()
 {
     while (QTcpSocket *socket = m_server.nextPendingConnection()) {

@@ -31,7 +31,6 @@ public:
     // The paths asked for, in order, and the User-Agent of each request.
     const QList<QByteArray> &requests() const { return m_requests; }
     const QList<QByteArray> &userAgents() const { return m_userAgents; }
-    void clearRequests();
 
 private:
     void accept();
