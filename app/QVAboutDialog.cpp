@@ -1,5 +1,7 @@
 #include "QVAboutDialog.h"
 
+#include "QVResourcePaths.h"
+
 #include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QFile>
@@ -14,10 +16,11 @@ namespace
 constexpr int iconSize = 96;
 constexpr int dialogMargin = 20;
 constexpr int textWidth = 340;
+const QString productPageAddress = QStringLiteral("https://corvane.org/");
 
 QIcon applicationIcon()
 {
-    const QString bundled = QStringLiteral(":/icons/corvane.svg");
+    const QString bundled = QVIconResourcePath(QStringLiteral("corvane"));
     QIcon icon = QIcon::fromTheme(QStringLiteral("corvane"));
     if (icon.isNull() && QFile::exists(bundled))
         icon = QIcon(bundled);
@@ -60,13 +63,13 @@ QVAboutDialog::QVAboutDialog(QWidget *parent)
     layout->addSpacing(6);
     layout->addWidget(newTextLabel(QStringLiteral("descriptionView"),
         tr("Drives the mouse pointer from the keyboard with hot keys of your own.")));
-    QLabel *link = newTextLabel(QStringLiteral("linkView"),
-        QStringLiteral("<a href=\"%1\">%2</a>").arg(productPageAddress(), tr("corvane.org")));
+    QLabel *link = newTextLabel(
+        QStringLiteral("linkView"), QStringLiteral("<a href=\"%1\">%2</a>").arg(productPageAddress, tr("corvane.org")));
     link->setAccessibleName(tr("Corvane's web site"));
     link->setTextFormat(Qt::RichText);
     link->setOpenExternalLinks(true);
     link->setTextInteractionFlags(Qt::TextBrowserInteraction);
-    link->setToolTip(productPageAddress());
+    link->setToolTip(productPageAddress);
     layout->addWidget(link);
     layout->addSpacing(6);
     QLabel *copyright = newTextLabel(

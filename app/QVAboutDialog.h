@@ -15,8 +15,6 @@ public:
     // Shows the dialog, or brings it to the front when it is already open.
     void showAbout();
 
-    static QString productPageAddress() { return QStringLiteral("https://corvane.org/"); }
-
 private:
     QLabel *newTextLabel(const QString &objectName, const QString &text);
 };

@@ -15,38 +15,36 @@ constexpr int contentMargin = 20;
 
 QVActionsPreferencesPage::QVActionsPreferencesPage(QWidget *parent)
     : QWidget(parent)
-    , m_collectionView(new QScrollArea(this))
-    , m_contentView(new QWidget)
-    , m_placeholderView(new QLabel(m_contentView))
 {
     setObjectName(QStringLiteral("Actions"));
     setAccessibleName(tr("Actions"));
 
-    m_placeholderView->setObjectName(QStringLiteral("placeholderView"));
-    m_placeholderView->setText(tr("Your custom controls will be listed here."));
-    m_placeholderView->setAccessibleName(m_placeholderView->text());
-    m_placeholderView->setAlignment(Qt::AlignCenter);
-    m_placeholderView->setWordWrap(true);
-    m_placeholderView->setForegroundRole(QPalette::PlaceholderText);
-
-    m_contentView->setObjectName(QStringLiteral("contentView"));
-    m_contentView->setAccessibleName(tr("Custom controls list"));
-    auto *contentLayout = new QVBoxLayout(m_contentView);
+    auto *contentView = new QWidget;
+    contentView->setObjectName(QStringLiteral("contentView"));
+    contentView->setAccessibleName(tr("Custom controls list"));
+    auto *placeholderView = new QLabel(tr("Your custom controls will be listed here."), contentView);
+    placeholderView->setObjectName(QStringLiteral("placeholderView"));
+    placeholderView->setAccessibleName(placeholderView->text());
+    placeholderView->setAlignment(Qt::AlignCenter);
+    placeholderView->setWordWrap(true);
+    placeholderView->setForegroundRole(QPalette::PlaceholderText);
+    auto *contentLayout = new QVBoxLayout(contentView);
     contentLayout->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
-    contentLayout->addWidget(m_placeholderView);
+    contentLayout->addWidget(placeholderView);
     contentLayout->addStretch(1);
 
-    m_collectionView->setObjectName(QStringLiteral("collectionView"));
-    m_collectionView->setAccessibleName(tr("Custom controls"));
-    m_collectionView->setWidgetResizable(true);
-    m_collectionView->setFrameShape(QFrame::NoFrame);
-    m_collectionView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_collectionView->setWidget(m_contentView);
+    auto *collectionView = new QScrollArea(this);
+    collectionView->setObjectName(QStringLiteral("collectionView"));
+    collectionView->setAccessibleName(tr("Custom controls"));
+    collectionView->setWidgetResizable(true);
+    collectionView->setFrameShape(QFrame::NoFrame);
+    collectionView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    collectionView->setWidget(contentView);
 
     auto *layout = new QVBoxLayout(this);
     // The list reaches down to the window's bottom edge.
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_collectionView);
+    layout->addWidget(collectionView);
 }
 
 QSize QVActionsPreferencesPage::sizeHint() const

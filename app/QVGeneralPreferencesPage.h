@@ -20,7 +20,6 @@ public:
     QComboBox *applicationModeSelector() const { return m_applicationModeSelector; }
     QCheckBox *loginItemSwitch() const { return m_loginItemSwitch; }
     QCheckBox *stealthModeSwitch() const { return m_stealthModeSwitch; }
-    QLabel *facelessAplicationModeExplanationView() const { return m_facelessAplicationModeExplanationView; }
 
     // Selects the item of that mode without reporting a change.
     void setApplicationMode(qint64 tag);

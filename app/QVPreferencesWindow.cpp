@@ -1,7 +1,7 @@
 #include "QVPreferencesWindow.h"
 
-#include "QVActionsPreferencesPage.h"
 #include "QVDictionaryExtensions.h"
+#include "QVResourcePaths.h"
 #include "QVUserDefaults.h"
 #include "QVWindowExtensions.h"
 
@@ -13,8 +13,6 @@
 #include <QMenu>
 #include <QPropertyAnimation>
 #include <QScreen>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QStackedWidget>
 #include <QToolBar>
 #include <QToolButton>
@@ -26,6 +24,8 @@ const QString generalIdentifier = QStringLiteral("General");
 const QString actionsIdentifier = QStringLiteral("Actions");
 const QString updatesIdentifier = QStringLiteral("Updates");
 const QString helpIdentifier = QStringLiteral("Help");
+// Where the toolbar keeps its settings; a new key would forget the stored style.
+const QString toolbarKey = QStringLiteral("Preferences (Independent) 0.1");
 const QString displayModeKey = QStringLiteral("Display Mode");
 
 // Wide enough for the General page's pop-up and its explanation at a normal font size.
@@ -33,8 +33,9 @@ constexpr int preferredWidth = 520;
 constexpr int pageBottomMargin = 20;
 
 // The theme's icon where the desktop has one, else the picture shipped with Corvane.
-QIcon toolbarIcon(const QStringList &themeNames, const QString &bundledPath)
+QIcon toolbarIcon(const QStringList &themeNames, const QString &bundledName)
 {
+    const QString bundledPath = QVIconResourcePath(bundledName);
     QIcon icon = QFile::exists(bundledPath) ? QIcon(bundledPath) : QIcon();
     for (auto name = themeNames.crbegin(); name != themeNames.crend(); ++name)
         icon = QIcon::fromTheme(*name, icon);
@@ -60,7 +61,6 @@ QVPreferencesWindow::QVPreferencesWindow(
     , m_toolbar(new QToolBar(this))
     , m_pages(new QStackedWidget(this))
     , m_pageItems(new QActionGroup(this))
-    , m_actionsPage(actionsPage)
 {
     Q_ASSERT(generalPage && actionsPage);
     setObjectName(QStringLiteral("preferencesWindow"));
@@ -74,14 +74,13 @@ QVPreferencesWindow::QVPreferencesWindow(
     setCentralWidget(m_pages);
 
     addPage(generalIdentifier, generalPage, tr("General"), tr("General Settings"),
-        toolbarIcon({ QStringLiteral("preferences-system") }, QStringLiteral(":/icons/preferences-general.svg")));
+        toolbarIcon({ QStringLiteral("preferences-system") }, QStringLiteral("preferences-general")));
     addPage(actionsIdentifier, actionsPage, tr("Actions"), tr("Actions"),
         toolbarIcon({ QStringLiteral("preferences-desktop-keyboard-shortcuts"), QStringLiteral("preferences-other") },
-            QStringLiteral(":/icons/preferences-actions.svg")));
+            QStringLiteral("preferences-actions")));
     if (updatesPage) {
         addPage(updatesIdentifier, updatesPage, tr("Updates"), tr("Updates"),
-            toolbarIcon(
-                { QStringLiteral("system-software-update") }, QStringLiteral(":/icons/preferences-updates.svg")));
+            toolbarIcon({ QStringLiteral("system-software-update") }, QStringLiteral("preferences-updates")));
     }
     buildToolbar();
     buildToolbarStyleMenu();
@@ -92,11 +91,6 @@ QVPreferencesWindow::QVPreferencesWindow(
     setMinimumWidth(width);
     setMaximumWidth(width);
     resize(width, height());
-}
-
-QString QVPreferencesWindow::toolbarIdentifier()
-{
-    return QStringLiteral("Preferences (Independent) 0.1");
 }
 
 void QVPreferencesWindow::addPage(
@@ -122,7 +116,8 @@ void QVPreferencesWindow::buildToolbar()
 
     m_pageItems->setExclusive(true);
     m_toolbar->addActions(m_pageItems->actions());
-    connect(m_pageItems, &QActionGroup::triggered, this, &QVPreferencesWindow::changePreferencesTab);
+    connect(m_pageItems, &QActionGroup::triggered, this,
+        [this](QAction *item) { showPreferencesTab(item->data().toString()); });
 
     auto *flexibleSpace = new QWidget(m_toolbar);
     flexibleSpace->setObjectName(QStringLiteral("flexibleSpace"));
@@ -130,13 +125,12 @@ void QVPreferencesWindow::buildToolbar()
     flexibleSpace->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_toolbar->addWidget(flexibleSpace);
 
-    m_helpItem
-        = new QAction(toolbarIcon({ QStringLiteral("help-browser") }, QStringLiteral(":/icons/preferences-help.svg")),
-            tr("Help"), this);
-    m_helpItem->setObjectName(helpIdentifier);
-    m_helpItem->setToolTip(tr("Help"));
-    m_toolbar->addAction(m_helpItem);
-    connect(m_helpItem, &QAction::triggered, this, &QVPreferencesWindow::helpRequested);
+    auto *helpItem = new QAction(
+        toolbarIcon({ QStringLiteral("help-browser") }, QStringLiteral("preferences-help")), tr("Help"), this);
+    helpItem->setObjectName(helpIdentifier);
+    helpItem->setToolTip(tr("Help"));
+    m_toolbar->addAction(helpItem);
+    connect(helpItem, &QAction::triggered, this, &QVPreferencesWindow::helpRequested);
 
     for (QAction *item : m_toolbar->actions()) {
         if (QWidget *button = m_toolbar->widgetForAction(item); qobject_cast<QToolButton *>(button)) {
@@ -148,14 +142,14 @@ void QVPreferencesWindow::buildToolbar()
 
 void QVPreferencesWindow::buildToolbarStyleMenu()
 {
-    m_toolbarStyleMenu = new QMenu(this);
-    m_toolbarStyleMenu->setObjectName(QStringLiteral("toolbarStyleMenu"));
-    m_toolbarStyleMenu->setAccessibleName(tr("Toolbar style"));
-    m_displayModeItems = new QActionGroup(m_toolbarStyleMenu);
+    auto *menu = new QMenu(this);
+    menu->setObjectName(QStringLiteral("toolbarStyleMenu"));
+    menu->setAccessibleName(tr("Toolbar style"));
+    m_displayModeItems = new QActionGroup(menu);
     const QList<QPair<DisplayMode, QString>> modes { { DisplayMode::IconAndText, tr("Icon and Text") },
         { DisplayMode::IconOnly, tr("Icon Only") }, { DisplayMode::TextOnly, tr("Text Only") } };
     for (const auto &[mode, title] : modes) {
-        QAction *item = m_toolbarStyleMenu->addAction(title);
+        QAction *item = menu->addAction(title);
         item->setCheckable(true);
         item->setData(int(mode));
         m_displayModeItems->addAction(item);
@@ -166,12 +160,12 @@ void QVPreferencesWindow::buildToolbarStyleMenu()
         setDisplayMode(mode);
     });
     connect(m_toolbar, &QWidget::customContextMenuRequested, this,
-        [this](const QPoint &position) { m_toolbarStyleMenu->popup(m_toolbar->mapToGlobal(position)); });
+        [this, menu](const QPoint &position) { menu->popup(m_toolbar->mapToGlobal(position)); });
 }
 
 QVPreferencesWindow::DisplayMode QVPreferencesWindow::displayMode() const
 {
-    const qint64 stored = QVIntegerForKey(m_defaults.objectForKey(toolbarIdentifier()).toObject(), displayModeKey);
+    const qint64 stored = QVIntegerForKey(m_defaults.objectForKey(toolbarKey).toObject(), displayModeKey);
     if (stored == int(DisplayMode::IconOnly) || stored == int(DisplayMode::TextOnly))
         return DisplayMode(stored);
     return DisplayMode::IconAndText;
@@ -180,9 +174,9 @@ QVPreferencesWindow::DisplayMode QVPreferencesWindow::displayMode() const
 void QVPreferencesWindow::storeDisplayMode(DisplayMode mode)
 {
     // Other keys of the toolbar's configuration, if any, are kept.
-    QJsonObject configuration = m_defaults.objectForKey(toolbarIdentifier()).toObject();
+    QJsonObject configuration = m_defaults.objectForKey(toolbarKey).toObject();
     configuration.insert(displayModeKey, int(mode));
-    m_defaults.setObject(configuration, toolbarIdentifier());
+    m_defaults.setObject(configuration, toolbarKey);
 }
 
 void QVPreferencesWindow::setDisplayMode(DisplayMode mode)
@@ -192,17 +186,6 @@ void QVPreferencesWindow::setDisplayMode(DisplayMode mode)
     m_toolbar->setToolButtonStyle(styleForDisplayMode(mode));
     if (isVisible())
         updatePreferencesWindowFrame();
-}
-
-QAction *QVPreferencesWindow::toolbarItem(const QString &identifier) const
-{
-    if (identifier == helpIdentifier)
-        return m_helpItem;
-    for (QAction *item : m_pageItems->actions()) {
-        if (item->data().toString() == identifier)
-            return item;
-    }
-    return nullptr;
 }
 
 QString QVPreferencesWindow::selectedIdentifier() const
@@ -223,28 +206,18 @@ void QVPreferencesWindow::selectPage(const QString &identifier)
     }
 }
 
-void QVPreferencesWindow::changePreferencesTab(QAction *item)
-{
-    if (item)
-        showPreferencesTab(item->data().toString());
-}
-
 void QVPreferencesWindow::showPreferencesTab(const QString &identifier)
 {
-    const QString section = identifier.isNull() && m_isFirstShowing ? generalIdentifier : identifier;
-    const QRect visibleRect = section == actionsIdentifier ? collectionViewVisibleRect() : QRect();
-    if (!section.isNull())
-        selectPage(section);
+    // The constructor selected "General": a null identifier on the first showing keeps it.
+    if (!identifier.isNull())
+        selectPage(identifier);
     updatePreferencesWindowFrame();
-    if (!visibleRect.isEmpty())
-        restoreVisibleRect(visibleRect);
 
     if (!isVisible())
         centerOnScreenUnderPointer();
     show();
     raise();
     activateWindow();
-    m_isFirstShowing = false;
 }
 
 void QVPreferencesWindow::updatePreferencesWindowFrame()
@@ -257,49 +230,16 @@ void QVPreferencesWindow::updatePreferencesWindowFrame()
     // (The Actions page may later let the user make the list taller.)
     setMinimumHeight(1);
     setMaximumHeight(QWIDGETSIZE_MAX);
-    QPropertyAnimation *animation = adjustHeightToFitSubviewsOfView(*this, *page, bottomMargin, true);
-    if (!animation) {
+    if (QPropertyAnimation *animation = adjustHeightToFitSubviewsOfView(*this, *page, bottomMargin, true))
+        connect(animation, &QPropertyAnimation::finished, this, &QVPreferencesWindow::fixHeight);
+    else
         fixHeight();
-        return;
-    }
-    // The list's rows move while the height changes: put them back once it is done.
-    const QRect visibleRect = page == m_actionsPage ? collectionViewVisibleRect() : QRect();
-    connect(animation, &QPropertyAnimation::finished, this, [this, visibleRect] {
-        fixHeight();
-        if (!visibleRect.isEmpty())
-            restoreVisibleRect(visibleRect);
-    });
 }
 
 void QVPreferencesWindow::fixHeight()
 {
     setMinimumHeight(height());
     setMaximumHeight(height());
-}
-
-QScrollArea *QVPreferencesWindow::collectionView() const
-{
-    if (const auto *page = qobject_cast<const QVActionsPreferencesPage *>(m_actionsPage.data()))
-        return page->collectionView();
-    return m_actionsPage ? m_actionsPage->findChild<QScrollArea *>() : nullptr;
-}
-
-QRect QVPreferencesWindow::collectionViewVisibleRect() const
-{
-    const QScrollArea *list = collectionView();
-    if (!list || !list->widget())
-        return {};
-    return { -list->widget()->pos(), list->viewport()->size() };
-}
-
-void QVPreferencesWindow::restoreVisibleRect(const QRect &visibleRect)
-{
-    QScrollArea *list = collectionView();
-    if (!list || !list->widget() || !visibleRect.intersects(list->widget()->rect()))
-        return;
-    // Keep the rows that were at the top at the top.
-    list->horizontalScrollBar()->setValue(visibleRect.left());
-    list->verticalScrollBar()->setValue(visibleRect.top());
 }
 
 void QVPreferencesWindow::centerOnScreenUnderPointer()

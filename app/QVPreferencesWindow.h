@@ -1,12 +1,8 @@
 #pragma once
 
 #include <QMainWindow>
-#include <QPointer>
 
-class QAction;
 class QActionGroup;
-class QMenu;
-class QScrollArea;
 class QStackedWidget;
 class QToolBar;
 class QVUserDefaults;
@@ -27,24 +23,14 @@ public:
     QVPreferencesWindow(QVUserDefaults &defaults, QWidget *generalPage, QWidget *actionsPage, QWidget *updatesPage,
         QWidget *parent = nullptr);
 
-    // Shows the page with that identifier (null: the current page; "General" on the
-    // first showing) and brings the window to the front. An unknown identifier
+    // Shows the page with that identifier (null: the current page, "General" until
+    // another was shown) and brings the window to the front. An unknown identifier
     // leaves the page as it is.
     void showPreferencesTab(const QString &identifier);
-    // The action of a toolbar item: its page.
-    void changePreferencesTab(QAction *item);
     // Fits the window's height to the current page.
     void updatePreferencesWindowFrame();
 
     QString selectedIdentifier() const;
-    bool isFirstShowing() const { return m_isFirstShowing; }
-
-    QToolBar *toolbar() const { return m_toolbar; }
-    QAction *toolbarItem(const QString &identifier) const;
-    QMenu *toolbarStyleMenu() const { return m_toolbarStyleMenu; }
-    DisplayMode displayMode() const;
-
-    static QString toolbarIdentifier();
 
 Q_SIGNALS:
     void helpRequested();
@@ -54,22 +40,16 @@ private:
         const QString &identifier, QWidget *page, const QString &label, const QString &toolTip, const QIcon &icon);
     void buildToolbar();
     void buildToolbarStyleMenu();
+    DisplayMode displayMode() const;
     void setDisplayMode(DisplayMode mode);
     void storeDisplayMode(DisplayMode mode);
     void selectPage(const QString &identifier);
     void fixHeight();
-    QScrollArea *collectionView() const;
-    QRect collectionViewVisibleRect() const;
-    void restoreVisibleRect(const QRect &visibleRect);
     void centerOnScreenUnderPointer();
 
     QVUserDefaults &m_defaults;
     QToolBar *m_toolbar;
     QStackedWidget *m_pages;
     QActionGroup *m_pageItems;
-    QAction *m_helpItem = nullptr;
-    QMenu *m_toolbarStyleMenu = nullptr;
     QActionGroup *m_displayModeItems = nullptr;
-    QPointer<QWidget> m_actionsPage;
-    bool m_isFirstShowing = true;
 };

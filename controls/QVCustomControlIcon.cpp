@@ -15,7 +15,7 @@ namespace
 constexpr qreal headingOpacity = 0.3;
 constexpr qreal frameOpacity = 0.2;
 constexpr qreal symbolOpacity = 0.5;
-constexpr qreal headingFontSize = 8;
+constexpr int headingPixelSize = 8;
 
 QColor black(qreal opacity)
 {
@@ -33,7 +33,7 @@ QString headingText(const QString &title)
 void drawHeading(const QString &title, QPainter &painter, const QRectF &rect)
 {
     QFont font = painter.font();
-    font.setPixelSize(qRound(headingFontSize));
+    font.setPixelSize(headingPixelSize);
     font.setBold(true);
     painter.setFont(font);
     painter.setPen(black(headingOpacity));
@@ -94,7 +94,7 @@ void drawImageSymbol(QPainter &painter, const QString &imageName, const QRectF &
     const QSizeF size = image.deviceIndependentSize();
     const QPointF topLeft(std::floor(area.left() + (area.width() - size.width()) / 2),
         std::floor(area.top() + (area.height() - size.height()) / 2));
-    drawInRect(painter, image, QRectF(topLeft, size), black(symbolOpacity), 1.0, false, angle);
+    drawInRect(painter, image, QRectF(topLeft, size), black(symbolOpacity), angle);
 }
 
 void drawSymbol(const QVCustomControlRepresentation &control, QPainter &painter, const QRectF &area)
@@ -129,9 +129,7 @@ void drawSymbol(const QVCustomControlRepresentation &control, QPainter &painter,
 
 QImage renderedIcon(const QVCustomControlRepresentation &control, qreal devicePixelRatio)
 {
-    QImage image(QSize(24, 16) * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(devicePixelRatio);
-    image.fill(Qt::transparent);
+    QImage image = transparentImage(QSize(24, 16), devicePixelRatio);
     QPainter painter(&image);
     drawIconInRect(control, painter, QRectF(0, 0, 22, 16), false);
     return image;

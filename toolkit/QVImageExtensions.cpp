@@ -3,6 +3,9 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
+namespace
+{
+
 QImage tintedImageWithColor(const QImage &image, const QColor &color)
 {
     QImage tinted = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
@@ -12,36 +15,38 @@ QImage tintedImageWithColor(const QImage &image, const QColor &color)
     return tinted;
 }
 
-void drawInRect(QPainter &painter, const QImage &image, const QRectF &rect, const QColor &tint, qreal fraction,
-    bool flip, qreal rotateDegreesCounterClockwise)
+} // namespace
+
+QImage transparentImage(const QSize &size, qreal devicePixelRatio)
+{
+    QImage image(size * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(devicePixelRatio);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+void drawInRect(
+    QPainter &painter, const QImage &image, const QRectF &rect, const QColor &tint, qreal rotateDegreesCounterClockwise)
 {
     if (image.isNull() || rect.isEmpty())
         return;
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.setOpacity(painter.opacity() * fraction);
     painter.translate(rect.center());
-    // Qt's y axis points down, so a positive angle turns clockwise on screen. The flip applies
-    // to the image itself, before the turn.
+    // Qt's y axis points down, so a positive angle turns clockwise on screen.
     painter.rotate(-rotateDegreesCounterClockwise);
-    if (flip)
-        painter.scale(1, -1);
     const QRectF target(-rect.width() / 2, -rect.height() / 2, rect.width(), rect.height());
     painter.drawImage(target, tint.isValid() ? tintedImageWithColor(image, tint) : image);
     painter.restore();
 }
 
-QImage imageFromSvg(const QString &path, qreal devicePixelRatio, const QSize &size)
+QImage imageFromSvg(const QString &path, qreal devicePixelRatio)
 {
     QSvgRenderer renderer(path);
     if (!renderer.isValid())
         return {};
-    const QSize logicalSize = size.isValid() ? size : renderer.defaultSize();
-    QImage image(logicalSize * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
+    QImage image = transparentImage(renderer.defaultSize(), devicePixelRatio);
     QPainter painter(&image);
-    renderer.render(&painter);
-    painter.end();
-    image.setDevicePixelRatio(devicePixelRatio);
+    renderer.render(&painter, QRectF(QPointF(0, 0), renderer.defaultSize()));
     return image;
 }

@@ -1,5 +1,6 @@
 #include "QVMenuSuffixStyle.h"
 
+#include "QVImageExtensions.h"
 #include "QVMenuExtensions.h"
 
 #include <QMenu>
@@ -18,8 +19,7 @@ constexpr int suffixRightMargin = 12;
 
 QImage renderedItem(const QStyle &style, const QStyleOptionMenuItem &option, const QWidget *widget)
 {
-    QImage image(option.rect.size(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
+    QImage image = transparentImage(option.rect.size(), 1.0);
     QPainter painter(&image);
     style.drawControl(QStyle::CE_MenuItem, &option, &painter, widget);
     return image;

@@ -24,16 +24,15 @@ bool countsAsSubview(const QWidget &view, const QWidget &child)
     return !label || !label->text().isEmpty() || !label->pixmap().isNull();
 }
 
-int lowestSubviewBottom(const QWidget &view, const QWidget &reference)
+// The bottom edge, in the window's coordinates, of the lowest child of the view that counts.
+int lowestSubviewBottom(const QWidget &view, const QWidget &window)
 {
     // The top edge of the view is the lowest point while no child lies below it.
-    int lowest = view.mapTo(&reference, QPoint(0, 0)).y();
+    int lowest = view.mapTo(&window, QPoint(0, 0)).y();
     for (const QObject *object : view.children()) {
         const auto *child = qobject_cast<const QWidget *>(object);
-        if (!child || !countsAsSubview(view, *child))
-            continue;
-        const QRect frame(child->mapTo(&reference, QPoint(0, 0)), child->size());
-        lowest = qMax(lowest, frame.bottom() + 1);
+        if (child && countsAsSubview(view, *child))
+            lowest = qMax(lowest, child->mapTo(&window, QPoint(0, child->height())).y());
     }
     return lowest;
 }
@@ -42,6 +41,29 @@ int preferredHeight(const QWidget &view)
 {
     const int height = view.hasHeightForWidth() ? view.heightForWidth(view.width()) : view.sizeHint().height();
     return qMax(height, view.minimumSizeHint().height());
+}
+
+// The window's frame with its height fitted to the view, the top edge kept.
+QRect fittedFrame(const QWidget &window, QWidget &view, int bottomMargin)
+{
+    // The view's place in the window counts: settle the window's own layout first.
+    if (QLayout *layout = window.layout())
+        layout->activate();
+    int lowest;
+    if (QLayout *layout = view.layout()) {
+        // Children of a hidden or freshly changed page may not be laid out yet, and a layout
+        // stretches them to whatever height the view has now: place them where they belong at
+        // the preferred height, measure, then give them back the view's rect.
+        layout->activate();
+        layout->setGeometry(QRect(0, 0, view.width(), preferredHeight(view)));
+        lowest = lowestSubviewBottom(view, window);
+        layout->setGeometry(view.rect());
+    } else {
+        lowest = lowestSubviewBottom(view, window);
+    }
+    QRect frame = window.geometry();
+    frame.setHeight(lowest + bottomMargin);
+    return frame;
 }
 
 void stopHeightAnimation(QWidget &window)
@@ -56,37 +78,10 @@ void stopHeightAnimation(QWidget &window)
 
 } // namespace
 
-int heightDifferenceNecessaryToFitSubviews(const QWidget &view, int bottomMargin, const QWidget *comparedTo)
-{
-    const QWidget &reference = comparedTo ? *comparedTo : view;
-    QLayout *layout = view.layout();
-    if (!layout)
-        return lowestSubviewBottom(view, reference) + bottomMargin - reference.height();
-
-    // Children of a hidden or freshly changed page may not be laid out yet, and a
-    // layout stretches them to whatever height the view has now: place them where
-    // they belong at the preferred height, measure, then give them back the view's rect.
-    layout->activate();
-    layout->setGeometry(QRect(0, 0, view.width(), preferredHeight(view)));
-    const int lowest = lowestSubviewBottom(view, reference);
-    layout->setGeometry(view.rect());
-    return lowest + bottomMargin - reference.height();
-}
-
-QRect frameByAdjustingHeightToFitSubviewsOfView(const QWidget &window, const QWidget &view, int bottomMargin)
-{
-    // The view's place in the window counts: settle the window's own layout first.
-    if (QLayout *layout = window.layout())
-        layout->activate();
-    QRect frame = window.geometry();
-    frame.setHeight(frame.height() + heightDifferenceNecessaryToFitSubviews(view, bottomMargin, &window));
-    return frame;
-}
-
 QPropertyAnimation *adjustHeightToFitSubviewsOfView(QWidget &window, QWidget &view, int bottomMargin, bool animate)
 {
     stopHeightAnimation(window);
-    const QRect frame = frameByAdjustingHeightToFitSubviewsOfView(window, view, bottomMargin);
+    const QRect frame = fittedFrame(window, view, bottomMargin);
     if (frame == window.geometry())
         return nullptr;
     if (!animate || !window.isVisible()) {

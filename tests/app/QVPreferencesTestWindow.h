@@ -6,11 +6,12 @@
 #include "QVUserDefaults.h"
 
 #include <QCheckBox>
-#include <QDir>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QToolBar>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <memory>
@@ -43,10 +44,14 @@ struct QVPreferencesTestWindow {
         return page;
     }
 
-    QWidget *button(const QString &identifier) const
+    // Found by the names screen readers and style sheets see.
+    QToolButton *button(const QString &identifier) const
     {
-        return window->toolbar()->widgetForAction(window->toolbarItem(identifier));
+        return window->findChild<QToolButton *>(identifier + QStringLiteral("Button"));
     }
+    QAction *item(const QString &identifier) const { return window->findChild<QAction *>(identifier); }
+    QToolBar *toolbar() const { return window->findChild<QToolBar *>(); }
+    QMenu *styleMenu() const { return window->findChild<QMenu *>(QStringLiteral("toolbarStyleMenu")); }
 
     QTemporaryDir directory;
     QVUserDefaults defaults;
@@ -78,10 +83,4 @@ inline QStringList widgetsWithoutAccessibleName(const QWidget &root)
                 QString::fromLatin1(widget->metaObject()->className()) + QLatin1Char(' ') + widget->objectName());
     }
     return unnamed;
-}
-
-inline void saveScreenshot(QWidget &widget, const QString &name)
-{
-    QDir().mkpath(QStringLiteral(CORVANE_SCREENSHOT_DIR));
-    widget.grab().save(QStringLiteral(CORVANE_SCREENSHOT_DIR "/%1.png").arg(name));
 }
