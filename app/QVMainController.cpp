@@ -123,8 +123,6 @@ QVPreferencesWindow &QVMainController::preferencesWindow()
     QWidget *updatesPage = nullptr;
 #ifdef CORVANE_UPDATE_CHECKS
     auto *page = new QVUpdatesPage;
-    m_updater->bindPage(page);
-    m_updater->setUpdatePreferencesWindowFrame([this] { updatePreferencesWindowFrame(); });
     updatesPage = page;
 #endif
     m_preferencesWindow
@@ -132,7 +130,9 @@ QVPreferencesWindow &QVMainController::preferencesWindow()
     connect(m_generalPage, &QVGeneralPreferencesPage::changeSetting, this, &QVMainController::changeSetting);
     connect(m_preferencesWindow.get(), &QVPreferencesWindow::helpRequested, this, &QVMainController::showHelp);
 #ifdef CORVANE_UPDATE_CHECKS
-    m_updater->updateControls();
+    // Bound once the window exists: the page's first refresh fits the window's height.
+    m_updater->setUpdatePreferencesWindowFrame([this] { updatePreferencesWindowFrame(); });
+    m_updater->bindPage(page);
 #endif
     return *m_preferencesWindow;
 }

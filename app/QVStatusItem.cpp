@@ -2,6 +2,7 @@
 
 #include "QVLog.h"
 #include "QVMenuSuffixStyle.h"
+#include "QVResourcePaths.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -36,7 +37,7 @@ void QVStatusItem::create()
     connect(m_menu.get(), &QMenu::aboutToShow, this, &QVStatusItem::menuNeedsUpdate);
     connect(m_menu.get(), &QMenu::aboutToHide, this, &QVStatusItem::menuDidClose);
 
-    m_trayIcon = std::make_unique<QSystemTrayIcon>(QIcon(QStringLiteral(":/icons/corvane-tray.svg")));
+    m_trayIcon = std::make_unique<QSystemTrayIcon>(QIcon(QVIconResourcePath(QStringLiteral("corvane-tray"))));
     m_trayIcon->setToolTip(tr("Corvane"));
     m_trayIcon->setContextMenu(m_menu.get());
     // A left click opens the same menu where the panel leaves that to the application.

@@ -58,8 +58,9 @@ QString QVUserDefaults::defaultFilePath()
 
 QString QVUserDefaults::standardFilePath()
 {
+    // A relative $XDG_CONFIG_HOME is invalid and ignored, as the autostart folder ignores it.
     QString configHome = qEnvironmentVariable("XDG_CONFIG_HOME");
-    if (configHome.isEmpty())
+    if (!QDir::isAbsolutePath(configHome))
         configHome = QDir::homePath() + QStringLiteral("/.config");
     return configHome + QStringLiteral("/corvane/settings.json");
 }

@@ -6,6 +6,7 @@
 #include <QJsonArray>
 #include <QProcess>
 #include <QSignalSpy>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -90,6 +91,7 @@ private Q_SLOTS:
     void changeNotYetSeenAtQuitIsTakenIn();
     void unreadableFileIsNeverWrittenOver();
     void fileIsKeptAsideBeforeTheNextWrite();
+    void settingsFileFollowsTheEnvironment();
 };
 
 void TestUserDefaults::outsideChangeIsPickedUp_data()
@@ -245,6 +247,25 @@ void TestUserDefaults::fileIsKeptAsideBeforeTheNextWrite()
     QVERIFY(defaults.setObject(4, delayKey)); // kept once
     QCOMPARE(brokenFiles(directory).size(), 1);
     QCOMPARE(QVUserDefaults(path).integerForKey(delayKey), 4);
+}
+
+// Where the login session's Corvane finds its settings must match where it saved them.
+void TestUserDefaults::settingsFileFollowsTheEnvironment()
+{
+    const QByteArray savedConfig = qgetenv("XDG_CONFIG_HOME"), savedSettings = qgetenv("CORVANE_SETTINGS");
+    auto restore = qScopeGuard([&] {
+        qputenv("XDG_CONFIG_HOME", savedConfig);
+        qputenv("CORVANE_SETTINGS", savedSettings);
+    });
+    const QString standard = QDir::homePath() + QStringLiteral("/.config/corvane/settings.json");
+    qunsetenv("CORVANE_SETTINGS");
+    qputenv("XDG_CONFIG_HOME", "/srv/config");
+    QCOMPARE(QVUserDefaults::defaultFilePath(), QStringLiteral("/srv/config/corvane/settings.json"));
+    qputenv("XDG_CONFIG_HOME", "relative/config"); // not absolute: invalid, as for every XDG folder
+    QCOMPARE(QVUserDefaults::standardFilePath(), standard);
+    qputenv("CORVANE_SETTINGS", "/elsewhere.json");
+    QCOMPARE(QVUserDefaults::defaultFilePath(), QStringLiteral("/elsewhere.json"));
+    QCOMPARE(QVUserDefaults::standardFilePath(), standard);
 }
 
 QTEST_GUILESS_MAIN(TestUserDefaults)
