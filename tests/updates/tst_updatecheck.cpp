@@ -107,7 +107,6 @@ private Q_SLOTS:
     void automaticCheckScheduling();
     void pageFollowsTheStatus();
     void everyControlHasAnAccessibleName();
-    void screenshots();
 
 private:
     void makeWrapper();
@@ -432,26 +431,6 @@ void tst_UpdateCheck::everyControlHasAnAccessibleName()
             QVERIFY2(!control || !child->accessibleName().isEmpty(), child->metaObject()->className());
         }
     }
-}
-
-void tst_UpdateCheck::screenshots()
-{
-    m_server->setRoute("/rich",
-        answer(feed("2.1",
-            "<h3>Corvane 2.1</h3><ul><li>Screen sections remember the last choice.</li>"
-            "<li>Hot keys work with Caps Lock on.</li><li>A German translation.</li></ul>"
-            "<p>See <a href=\"https://corvane.org/\">the web site</a> for details.</p>")));
-    const QString directory = QStringLiteral(CORVANE_TEST_SCREENSHOT_DIR);
-    QApplication::setWindowIcon(QApplication::style()->standardIcon(QStyle::SP_MessageBoxInformation));
-    checkFeed("/rich");
-    QVERIFY(dialog()->grab().save(directory + QStringLiteral("/update-dialog-checking.png")));
-    waitForVerdict();
-    QVERIFY(dialog()->grab().save(directory + QStringLiteral("/update-dialog.png")));
-
-    QVUpdatesPage page;
-    m_wrapper->bindPage(&page);
-    page.adjustSize();
-    QVERIFY(page.grab().save(directory + QStringLiteral("/updates-page.png")));
 }
 
 int main(int argc, char *argv[])
