@@ -40,6 +40,13 @@ void QVCorvaneProcess::setEnvironmentVariable(const QString &name, const QString
     m_process.setProcessEnvironment(environment);
 }
 
+void QVCorvaneProcess::joinSessionBus(const QString &address, bool accessible)
+{
+    setEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address);
+    if (accessible) // Qt 6.4 looks for a screen reader only when told to
+        setEnvironmentVariable(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+}
+
 bool QVCorvaneProcess::start()
 {
     m_process.start();

@@ -20,6 +20,8 @@ public:
 
     // For the process not yet started, e.g. QT_SCALE_FACTOR.
     void setEnvironmentVariable(const QString &name, const QString &value);
+    // Puts it on a test's private session bus; accessible: with its widgets on the accessibility bus.
+    void joinSessionBus(const QString &address, bool accessible = false);
     // Starts and waits until it has registered its hot keys; false on a deadline.
     bool start();
     // Sends the signal and waits for the exit; the exit code, or -1.

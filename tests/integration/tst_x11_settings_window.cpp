@@ -91,8 +91,7 @@ void TestX11SettingsWindow::startCorvane(const QJsonObject &settings)
 {
     QVCorvaneProcess::writeSettings(m_settingsPath, settings);
     m_corvane = std::make_unique<QVCorvaneProcess>(m_server->displayName(), m_settingsPath);
-    m_corvane->setEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_bus->address());
-    m_corvane->setEnvironmentVariable(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    m_corvane->joinSessionBus(m_bus->address(), true);
     m_corvane->setEnvironmentVariable(
         QStringLiteral("XDG_CONFIG_HOME"), m_server->temporaryPath(QStringLiteral("config")));
     // A recording xdg-open first on the path, in a folder that may hold programs.
@@ -195,7 +194,7 @@ void TestX11SettingsWindow::secondLaunchBringsTheWindowBackOnItsLastPage()
     QVERIFY(!m_client->viewableTopLevel(QStringLiteral("Corvane")));
 
     QVCorvaneProcess second(m_server->displayName(), m_settingsPath);
-    second.setEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_bus->address());
+    second.joinSessionBus(m_bus->address());
     QVERIFY(!second.start()); // it hands over and ends
     QTRY_VERIFY(!second.isRunning());
     QVERIFY2(waitFor(QStringLiteral("check box"), QStringLiteral("Start at login")), qPrintable(m_tree->dump()));
@@ -215,7 +214,7 @@ void TestX11SettingsWindow::secondLaunchBringsTheWindowBackOnItsLastPage()
     QTRY_VERIFY(!m_client->viewableTopLevel(QStringLiteral("Corvane")));
 
     QVCorvaneProcess third(m_server->displayName(), m_settingsPath);
-    third.setEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_bus->address());
+    third.joinSessionBus(m_bus->address());
     third.start();
     QVERIFY2(waitFor(QStringLiteral("filler"), QStringLiteral("Custom controls")), qPrintable(m_tree->dump()));
     QVERIFY(m_corvane->isRunning());

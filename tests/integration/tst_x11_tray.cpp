@@ -126,8 +126,7 @@ void TestX11Tray::startCorvane(const QJsonObject &settings, bool withWatcher)
     }
     QVCorvaneProcess::writeSettings(m_settingsPath, settings);
     m_corvane = std::make_unique<QVCorvaneProcess>(m_server->displayName(), m_settingsPath);
-    m_corvane->setEnvironmentVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_bus->address());
-    m_corvane->setEnvironmentVariable(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    m_corvane->joinSessionBus(m_bus->address());
     QVERIFY2(m_corvane->start(), qPrintable(m_corvane->log()));
     if (!withWatcher)
         return;
