@@ -37,7 +37,6 @@ public:
     QVMainController(QVPlatform &platform, QVUserDefaults &defaults, QObject *parent = nullptr);
     ~QVMainController() override;
 
-
     // Puts the windows into the task bar in the mode that wants it.
     void applicationWillFinishLaunching();
     // Loads the controls and registers their hot keys, opens the settings unless

@@ -17,7 +17,10 @@ public:
 
         // The label as a panel shows it: "_" marks a mnemonic, "__" is an underscore.
         QString label() const;
-        bool isSeparator() const { return properties.value(QStringLiteral("type")).toString() == QLatin1String("separator"); }
+        bool isSeparator() const
+        {
+            return properties.value(QStringLiteral("type")).toString() == QLatin1String("separator");
+        }
         bool isEnabled() const { return properties.value(QStringLiteral("enabled"), true).toBool(); }
         bool isVisible() const { return properties.value(QStringLiteral("visible"), true).toBool(); }
         bool isChecked() const { return properties.value(QStringLiteral("toggle-state")).toInt() == 1; }

@@ -78,10 +78,7 @@ private Q_SLOTS:
 private:
     void startCorvane(const QJsonObject &settings, bool withWatcher = true);
     QVTestDBusMenu &menu() { return *m_menu; }
-    void openMenu()
-    {
-        QVERIFY(m_menu->aboutToShow());
-    }
+    void openMenu() { QVERIFY(m_menu->aboutToShow()); }
     void closeMenu();
 
     std::unique_ptr<QVTestXServer> m_server;
