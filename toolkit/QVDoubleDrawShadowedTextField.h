@@ -1,0 +1,16 @@
+#pragma once
+
+#include "QVShadowedTextField.h"
+
+// A shadowed label drawn a second time without shadow on top: the glyphs stay
+// crisp and only the halo of the shadow shows around them.
+class QVDoubleDrawShadowedTextField final : public QVShadowedTextField
+{
+    Q_OBJECT
+
+public:
+    using QVShadowedTextField::QVShadowedTextField;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+};
