@@ -2,6 +2,7 @@
 
 #include "QVAboutDialog.h"
 #include "QVActionsPreferencesPage.h"
+#include "QVCustomControlEditor.h"
 #include "QVGeneralPreferencesPage.h"
 #include "QVHotKey.h"
 #include "QVInstalledResources.h"
@@ -35,6 +36,8 @@ namespace
 const QString capsLockKey = QStringLiteral("Hot Keys Account For Caps Lock Status");
 const QString stealthModeKey = QStringLiteral("Stealth Mode");
 const QString debugLogKey = QStringLiteral("QVDebugLog");
+// Long enough that a run of clicks is one write, short enough that a crash loses nothing.
+constexpr int saveDelayMilliseconds = 1000;
 
 } // namespace
 
@@ -71,6 +74,9 @@ QVMainController::QVMainController(QVPlatform &platform, QVUserDefaults &default
 {
     connect(&defaults, &QVUserDefaults::changedExternally, this, &QVMainController::settingsChangedExternally);
     m_engine.setScreenSectionPresenter(this);
+    m_saveTimer.setSingleShot(true);
+    m_saveTimer.setInterval(saveDelayMilliseconds);
+    connect(&m_saveTimer, &QTimer::timeout, this, [this] { m_manager->save(); });
 }
 
 QVMainController::~QVMainController() = default;
@@ -125,8 +131,11 @@ QVPreferencesWindow &QVMainController::preferencesWindow()
     auto *page = new QVUpdatesPage;
     updatesPage = page;
 #endif
+    m_actionsPage = new QVActionsPreferencesPage(*m_manager, [this] { m_platform.beep(); });
     m_preferencesWindow
-        = std::make_unique<QVPreferencesWindow>(m_defaults, m_generalPage, new QVActionsPreferencesPage, updatesPage);
+        = std::make_unique<QVPreferencesWindow>(m_defaults, m_generalPage, m_actionsPage, updatesPage);
+    m_actionsPage->setUpdatePreferencesWindowFrame([this] { updatePreferencesWindowFrame(); });
+    connect(m_actionsPage, &QVActionsPreferencesPage::controlsEdited, &m_saveTimer, qOverload<>(&QTimer::start));
     connect(m_generalPage, &QVGeneralPreferencesPage::changeSetting, this, &QVMainController::changeSetting);
     connect(m_preferencesWindow.get(), &QVPreferencesWindow::helpRequested, this, &QVMainController::showHelp);
 #ifdef CORVANE_UPDATE_CHECKS
@@ -219,6 +228,7 @@ void QVMainController::applicationShouldTerminate()
 
     // An outside edit still settling is taken in, and an unparsable file kept aside, before the list goes out.
     m_defaults.prepareForFinalWrite();
+    m_saveTimer.stop();
     m_manager->save();
     m_statusItem->setInstalled(false);
 }
@@ -303,11 +313,13 @@ void QVMainController::settingsChangedExternally()
     }
     // A rebuilt list registers under the current rule; otherwise the rule decides
     // which lock states are grabbed, so the hot keys are registered again.
-    if (m_manager->reloadControlsIfChanged())
+    if (m_manager->reloadControlsIfChanged()) {
         QVLog(QStringLiteral("custom controls reloaded from %1: %2 controls")
                   .arg(m_defaults.filePath())
                   .arg(m_manager->controls().size()));
-    else if (capsLockRuleChanged)
+        if (m_actionsPage)
+            m_actionsPage->editor().reloadRows();
+    } else if (capsLockRuleChanged)
         registerHotKeysAgain();
 }
 

@@ -10,10 +10,12 @@
 #include "QVTimerDelayedPerformer.h"
 
 #include <QObject>
+#include <QTimer>
 
 #include <memory>
 
 class QAction;
+class QVActionsPreferencesPage;
 class QVAboutDialog;
 class QVGeneralPreferencesPage;
 class QVLoginItem;
@@ -114,5 +116,7 @@ private:
     std::unique_ptr<QVStatusItem> m_statusItem;
     std::unique_ptr<QVPreferencesWindow> m_preferencesWindow; // made when first shown
     QVGeneralPreferencesPage *m_generalPage = nullptr; // owned by the window
+    QVActionsPreferencesPage *m_actionsPage = nullptr; // owned by the window
+    QTimer m_saveTimer; // edits are saved once they pause
     std::unique_ptr<QVAboutDialog> m_aboutDialog;
 };

@@ -148,8 +148,18 @@ void QVCustomControlManager::deleteSelectedControls()
             m_beep();
         return;
     }
-    for (const QVCustomControlRef &control : selected)
+    for (const QVCustomControlRef &control : selected) {
+        // Let go at once: the editor's field may still hold the hot key for a moment.
+        if (const QVHotKeyRef hotKey = control->hotKey())
+            hotKey->unregister();
         m_controls.removeOne(control);
+    }
+}
+
+void QVCustomControlManager::sortControls(const std::function<qsizetype(const QVCustomControlRepresentation &)> &rank)
+{
+    std::stable_sort(m_controls.begin(), m_controls.end(),
+        [&rank](const QVCustomControlRef &a, const QVCustomControlRef &b) { return rank(*a) < rank(*b); });
 }
 
 bool QVCustomControlManager::hasAccessibleControlWithStatusItem(bool withStatusItem) const

@@ -38,6 +38,8 @@ public:
         const QJsonObject &dictionary, bool belowCurrentSelection);
     // Removes the selected controls (their hot keys go with them); beeps when none is.
     void deleteSelectedControls();
+    // Puts the list in the order of the ranks given to its controls, equal ranks kept in their order.
+    void sortControls(const std::function<qsizetype(const QVCustomControlRepresentation &)> &rank);
 
     void setSelection(const QVCustomControlSelection *selection) { m_selection = selection; }
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "QVHotKeyClearButton.h"
 #include "QVHotKeyDelegate.h"
 
 #include <QLineEdit>
 #include <QPointer>
 
 struct QVEvent;
-class QVHotKeyClearButton;
 
 // The field in which a hot key is recorded. A mouse click starts recording; the
 // next key combination is the candidate, whatever it is (Tab, Return, arrows and

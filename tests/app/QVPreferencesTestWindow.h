@@ -1,6 +1,8 @@
 #pragma once
 
 #include "QVActionsPreferencesPage.h"
+#include "QVCustomControlManager.h"
+#include "QVFakeApplication.h"
 #include "QVGeneralPreferencesPage.h"
 #include "QVPreferencesWindow.h"
 #include "QVUserDefaults.h"
@@ -21,11 +23,20 @@
 struct QVPreferencesTestWindow {
     explicit QVPreferencesTestWindow(bool withUpdates = true, const QString &settingsPath = QString())
         : defaults(settingsPath.isEmpty() ? directory.filePath(QStringLiteral("settings.json")) : settingsPath)
+        , manager(&defaults, &application, [this] { ++beeps; })
         , general(new QVGeneralPreferencesPage)
-        , actions(new QVActionsPreferencesPage)
+        , actions(new QVActionsPreferencesPage(manager, [this] { ++beeps; }))
         , updates(withUpdates ? newUpdatesPage() : nullptr)
         , window(std::make_unique<QVPreferencesWindow>(defaults, general, actions, updates))
     {
+        application.hotKeysInUse = [this] {
+            QList<QVHotKeyRef> hotKeys;
+            for (const QVCustomControlRef &control : manager.controls())
+                if (control->hotKey() && control->hotKey()->isRegistered())
+                    hotKeys.append(control->hotKey());
+            return hotKeys;
+        };
+        actions->setUpdatePreferencesWindowFrame([this] { window->updatePreferencesWindowFrame(); });
     }
 
     static QWidget *newUpdatesPage()
@@ -55,6 +66,9 @@ struct QVPreferencesTestWindow {
 
     QTemporaryDir directory;
     QVUserDefaults defaults;
+    QVFakeApplication application;
+    QVCustomControlManager manager;
+    int beeps = 0;
     QVGeneralPreferencesPage *general;
     QVActionsPreferencesPage *actions;
     QWidget *updates;
