@@ -1,5 +1,6 @@
 #include "QVCustomControlCollectionView.h"
 
+#include "QVCustomControlAccessibility.h"
 #include "QVCustomControlCollectionViewDelegate.h"
 #include "QVCustomControlConfigurationView.h"
 #include "QVCustomControlRowDrag.h"
@@ -43,6 +44,7 @@ void drawEmptyListHint(QPainter &painter, const QRect &bounds)
 QVCustomControlCollectionView::QVCustomControlCollectionView(QWidget *parent)
     : QWidget(parent)
 {
+    QVInstallCustomControlAccessibility();
     setObjectName(QStringLiteral("collectionView"));
     setAccessibleName(tr("Custom controls"));
     setFocusPolicy(Qt::StrongFocus);

@@ -9,6 +9,7 @@
 #include "QVHotKeyClearButton.h"
 #include "QVHotKeyTextView.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGuiApplication>
@@ -111,6 +112,10 @@ void QVCustomControlConfigurationView::setSelected(bool selected)
         return;
     m_selected = selected;
     update();
+    QAccessible::State changed;
+    changed.selected = true;
+    QAccessibleStateChangeEvent event(this, changed);
+    QAccessible::updateAccessibility(&event);
 }
 
 void QVCustomControlConfigurationView::setMoveSortFrame(const QRectF &frame)

@@ -6,6 +6,7 @@
 #include "QVHotKeyTextView.h"
 #include "QVPreferencesTestWindow.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
@@ -389,6 +390,15 @@ void TestActionsEditor::everyPartIsNamed()
     QCOMPARE(move.actionSelector->accessibleName(), QStringLiteral("Action of Move Right"));
     QCOMPARE(move.moveDirectionSelector->radioAt(QVPosition::TopLeft)->accessibleName(),
         QStringLiteral("Direction: Up & Left"));
+
+    // A list of items that tell whether they are selected.
+    QCOMPARE(QAccessible::queryAccessibleInterface(editor.list())->role(), QAccessible::List);
+    QAccessibleInterface *item = QAccessible::queryAccessibleInterface(editor.row(1));
+    QCOMPARE(item->role(), QAccessible::ListItem);
+    QCOMPARE(item->text(QAccessible::Name), QStringLiteral("Move Right"));
+    QVERIFY(!item->state().selected);
+    editor.click(1);
+    QVERIFY(item->state().selected);
 }
 
 void TestActionsEditor::screenshots()
