@@ -51,9 +51,19 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
 private:
+    // One cell of the grid: the largest radio of the style.
+    QSize cellSize() const;
+    // Centres the grid on the box.
+    void layOutRadios();
+
     Meaning m_meaning;
     qint64 m_direction = 0;
     QVCustomControlDirectionSelectorViewDelegate *m_delegate = nullptr;
     QList<QRadioButton *> m_radios; // top left ... bottom right, null where absent
+    bool m_settingStates = false;
 };

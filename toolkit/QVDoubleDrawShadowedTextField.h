@@ -9,8 +9,6 @@ class QVDoubleDrawShadowedTextField final : public QVShadowedTextField
     Q_OBJECT
 
 public:
-    using QVShadowedTextField::QVShadowedTextField;
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
+    explicit QVDoubleDrawShadowedTextField(QWidget *parent = nullptr);
+    QVDoubleDrawShadowedTextField(const QString &text, QWidget *parent = nullptr);
 };

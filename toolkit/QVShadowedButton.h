@@ -14,9 +14,6 @@ public:
     int tag() const { return m_tag; }
     void setTag(int tag);
 
-protected:
-    void paintEvent(QPaintEvent *event) override;
-
 private:
     int m_tag = 0;
 };

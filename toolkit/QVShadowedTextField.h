@@ -5,7 +5,9 @@
 #include <QPointF>
 
 // A label drawn with an engraved shadow chosen by its tag: 1 white below, 2 black
-// below, -2 white above, -1 black above; any other tag draws no shadow.
+// below, -2 white above, -1 black above; any other tag draws no shadow. The shadow is a
+// graphics effect (QVShadowEffect) that the tag installs on the label; like every Qt
+// graphics effect it works on child widgets, not on windows.
 class QVShadowedTextField : public QLabel
 {
     Q_OBJECT
@@ -32,10 +34,12 @@ public:
     static const Shadow *shadowForTag(int tag);
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
-    // The label's text and frame drawn onto painter, without any shadow.
-    void drawCell(QPainter &painter);
+    // Draws the label a second time, without shadow, over the shadowed drawing.
+    void setDrawsCellTwice(bool twice);
 
 private:
+    void updateEffect();
+
     int m_tag = 0;
+    bool m_drawsCellTwice = false;
 };
