@@ -65,8 +65,8 @@ QVActionsPreferencesPage::QVActionsPreferencesPage(
     connect(m_deleteButton, &QAbstractButton::clicked, m_editor, &QVCustomControlEditor::deleteSelectedControls);
     connect(m_editor, &QVCustomControlEditor::controlsEdited, this, &QVActionsPreferencesPage::controlsEdited);
     connect(m_editor, &QVCustomControlEditor::controlsEdited, this, &QVActionsPreferencesPage::updateAddButtonTint);
-    connect(m_collectionView, &QVCustomControlCollectionView::hotKeyRefused, this,
-        &QVActionsPreferencesPage::showMessage);
+    connect(
+        m_collectionView, &QVCustomControlCollectionView::hotKeyRefused, this, &QVActionsPreferencesPage::showMessage);
     m_messageTimer.setSingleShot(true);
     connect(&m_messageTimer, &QTimer::timeout, m_messageLine, &QLabel::clear);
 

@@ -132,8 +132,7 @@ QVPreferencesWindow &QVMainController::preferencesWindow()
     updatesPage = page;
 #endif
     m_actionsPage = new QVActionsPreferencesPage(*m_manager, [this] { m_platform.beep(); });
-    m_preferencesWindow
-        = std::make_unique<QVPreferencesWindow>(m_defaults, m_generalPage, m_actionsPage, updatesPage);
+    m_preferencesWindow = std::make_unique<QVPreferencesWindow>(m_defaults, m_generalPage, m_actionsPage, updatesPage);
     m_actionsPage->setUpdatePreferencesWindowFrame([this] { updatePreferencesWindowFrame(); });
     connect(m_actionsPage, &QVActionsPreferencesPage::controlsEdited, &m_saveTimer, qOverload<>(&QTimer::start));
     connect(m_generalPage, &QVGeneralPreferencesPage::changeSetting, this, &QVMainController::changeSetting);

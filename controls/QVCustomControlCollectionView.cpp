@@ -55,9 +55,9 @@ QVCustomControlCollectionView::~QVCustomControlCollectionView() = default;
 
 QList<QVCustomControlConfigurationView *> QVCustomControlCollectionView::configurationViews() const
 {
-    return m_delegate ? m_delegate->controlConfigurationViewsInCollectionView(
-               const_cast<QVCustomControlCollectionView &>(*this))
-                      : QList<QVCustomControlConfigurationView *>();
+    return m_delegate
+        ? m_delegate->controlConfigurationViewsInCollectionView(const_cast<QVCustomControlCollectionView &>(*this))
+        : QList<QVCustomControlConfigurationView *>();
 }
 
 QList<QVCustomControlConfigurationView *> QVCustomControlCollectionView::configurationViewsInScreenOrder() const
@@ -258,7 +258,8 @@ void QVCustomControlCollectionView::moveSelection(int step, Qt::KeyboardModifier
     const QList<QVCustomControlConfigurationView *> selected = selectedConfigurationViews();
     qsizetype index = step < 0 ? rows.size() - 1 : 0;
     if (!selected.isEmpty())
-        index = qBound<qsizetype>(0, rows.indexOf(step < 0 ? selected.first() : selected.last()) + step, rows.size() - 1);
+        index
+            = qBound<qsizetype>(0, rows.indexOf(step < 0 ? selected.first() : selected.last()) + step, rows.size() - 1);
     selectConfigurationView(rows[index], modifiers & Qt::ShiftModifier);
     scrollRectToVisible(rows[index]->geometry().adjusted(0, -contentPadding, 0, contentPadding));
 }

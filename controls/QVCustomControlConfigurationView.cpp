@@ -68,9 +68,6 @@ QVCustomControlConfigurationView::QVCustomControlConfigurationView(const QVCusto
     c.actionSelector->setCurrentIndex(c.actionSelector->findData(m_control->action()));
     c.hotKeyTextView->setHotKeyDelegate(m_control.get());
     c.hotKeyTextView->setHotKey(m_control->hotKey());
-    for (QVCustomControlDirectionSelectorView *selector : { c.moveDirectionSelector,
-             c.moveToEdgeOrCornerPositionSelector, c.moveToOtherDisplayDirectionSelector })
-        selector->setDelegate(this);
     connectControls();
     updateConfigurationView(m_control->action(), false);
 }
@@ -81,11 +78,6 @@ void QVCustomControlConfigurationView::connectControls()
     const auto changeSettingOf = [this](QObject *sender) { return [this, sender] { changeSetting(sender); }; };
     connect(c.expandSwitch, &QToolButton::clicked, this, changeSettingOf(c.expandSwitch));
     connect(c.actionSelector, &QComboBox::activated, this, changeSettingOf(c.actionSelector));
-    connect(c.moveDeltaSelector, &QComboBox::activated, this, changeSettingOf(c.moveDeltaSelector));
-    for (QCheckBox *box : { c.moveAccelerateSwitch, c.moveConfinedToDisplaySwitch,
-             c.moveToOtherDisplayRepositionSwitch, c.moveToOtherDisplayLoopSwitch })
-        connect(box, &QCheckBox::clicked, this, changeSettingOf(box));
-    connect(c.headerTitleField, &QLineEdit::textEdited, this, &QVCustomControlConfigurationView::controlTextDidChange);
     // A hot key recorded, refused or cleared: the list may need saving, the message line a word.
     connect(c.hotKeyTextView, &QVHotKeyTextView::recordingChanged, this, [this](bool recording) {
         if (!recording)
@@ -96,6 +88,29 @@ void QVCustomControlConfigurationView::connectControls()
         if (QVCustomControlCollectionView *list = collectionView())
             Q_EMIT list->hotKeyRefused(message);
     });
+}
+
+QWidget *QVCustomControlConfigurationView::makeDetailBox(qint64 action)
+{
+    const QVCustomControlRowControls &c = m_controls;
+    const qsizetype made = c.detailBoxes().size();
+    QWidget *box = m_controls.makeDetailBoxForAction(action);
+    if (c.detailBoxes().size() == made)
+        return box;
+    const auto changeSettingOf = [this](QObject *sender) { return [this, sender] { changeSetting(sender); }; };
+    for (QCheckBox *check : box->findChildren<QCheckBox *>())
+        connect(check, &QCheckBox::clicked, this, changeSettingOf(check));
+    for (QComboBox *selector : box->findChildren<QComboBox *>())
+        connect(selector, &QComboBox::activated, this, changeSettingOf(selector));
+    for (QLineEdit *field : box->findChildren<QLineEdit *>())
+        connect(field, &QLineEdit::textEdited, this, &QVCustomControlConfigurationView::controlTextDidChange);
+    auto *selector = qobject_cast<QVCustomControlDirectionSelectorView *>(box);
+    if (!selector)
+        selector = box->findChild<QVCustomControlDirectionSelectorView *>();
+    if (selector)
+        selector->setDelegate(this);
+    box->setVisible(false);
+    return box;
 }
 
 QVCustomControlCollectionView *QVCustomControlConfigurationView::collectionView() const
@@ -182,11 +197,10 @@ void QVCustomControlConfigurationView::updateConfigurationView(qint64 action, bo
     c.hotKeyTextView->setVisible(takesHotKey);
     c.hotKeyClearButton->setVisible(takesHotKey);
 
+    QWidget *detailBox = makeDetailBox(action);
     loadParameters(action);
-    QWidget *detailBox = c.detailBoxForAction(action);
     showDetailBox(m_control->collapsed() ? nullptr : detailBox);
     c.expandSwitch->setChecked(detailBox && !m_control->collapsed());
-    c.expandSwitch->setArrowType(c.expandSwitch->isChecked() ? Qt::DownArrow : Qt::RightArrow);
     c.expandSwitch->setVisible(detailBox);
 
     updateAccessibleNames();
@@ -228,9 +242,7 @@ void QVCustomControlConfigurationView::loadParameters(qint64 action)
 
 void QVCustomControlConfigurationView::showDetailBox(QWidget *box)
 {
-    const QVCustomControlRowControls &c = m_controls;
-    for (QWidget *candidate : { c.moveBox, static_cast<QWidget *>(c.moveToEdgeOrCornerPositionSelector),
-             c.otherDisplayBox, c.headerBox })
+    for (QWidget *candidate : m_controls.detailBoxes())
         candidate->setVisible(candidate == box);
 }
 
@@ -285,14 +297,18 @@ void QVCustomControlConfigurationView::updateAccessibleNames()
     c.hotKeyTextView->setAccessibleName(tr("Hot key of %1").arg(title));
     c.hotKeyClearButton->setAccessibleName(tr("Clear hot key of %1").arg(title));
     c.expandSwitch->setAccessibleName(tr("Details of %1").arg(title));
-    c.moveDeltaSelector->setAccessibleName(tr("Step of %1").arg(title));
-    c.moveDirectionSelector->setAccessibleName(tr("Direction of %1").arg(title));
-    c.moveToEdgeOrCornerPositionSelector->setAccessibleName(tr("Position of %1").arg(title));
-    c.moveToOtherDisplayDirectionSelector->setAccessibleName(tr("Display of %1").arg(title));
-    for (QCheckBox *box : { c.moveAccelerateSwitch, c.moveConfinedToDisplaySwitch,
-             c.moveToOtherDisplayRepositionSwitch, c.moveToOtherDisplayLoopSwitch })
-        box->setAccessibleName(tr("%1 (%2)").arg(box->text(), title));
-    c.headerTitleField->setAccessibleName(tr("Title of the heading"));
+    const auto name = [](QWidget *widget, const QString &text) {
+        if (widget)
+            widget->setAccessibleName(text);
+    };
+    name(c.moveDeltaSelector, tr("Step of %1").arg(title));
+    name(c.moveDirectionSelector, tr("Direction of %1").arg(title));
+    name(c.moveToEdgeOrCornerPositionSelector, tr("Position of %1").arg(title));
+    name(c.moveToOtherDisplayDirectionSelector, tr("Display of %1").arg(title));
+    for (QCheckBox *box : { c.moveAccelerateSwitch, c.moveConfinedToDisplaySwitch, c.moveToOtherDisplayRepositionSwitch,
+             c.moveToOtherDisplayLoopSwitch })
+        name(box, box ? tr("%1 (%2)").arg(box->text(), title) : QString());
+    name(c.headerTitleField, tr("Title of the heading"));
 }
 
 void QVCustomControlConfigurationView::paintEvent(QPaintEvent *event)

@@ -56,6 +56,8 @@ protected:
 
 private:
     void connectControls();
+    // The action's detail box, made and connected when first needed.
+    QWidget *makeDetailBox(qint64 action);
     void loadParameters(qint64 action);
     void showDetailBox(QWidget *box);
     void setCollapsedFromSwitch(bool applyToEveryRow);

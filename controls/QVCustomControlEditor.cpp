@@ -116,9 +116,8 @@ void QVCustomControlEditor::sortControlsByViewYCoordinatesInCollectionView(QVCus
 
 void QVCustomControlEditor::sortControlsByViewIndexInArray(const QList<QVCustomControlConfigurationView *> &rows)
 {
-    m_manager.sortControls([this, &rows](const QVCustomControlRepresentation &control) {
-        return rows.indexOf(m_rows.value(&control));
-    });
+    m_manager.sortControls(
+        [this, &rows](const QVCustomControlRepresentation &control) { return rows.indexOf(m_rows.value(&control)); });
 }
 
 void QVCustomControlEditor::controlDidChange()

@@ -1,6 +1,7 @@
 #include "QVCustomControlRowControls.h"
 
 #include "QVActionCodes.h"
+#include "QVExpandSwitch.h"
 #include "QVHotKeyClearButton.h"
 #include "QVHotKeyTextView.h"
 #include "QVRoundedCustomControlDirectionSelectorView.h"
@@ -71,15 +72,11 @@ QWidget *newDetailBox(const QString &objectName, const QString &name, QWidget &r
 } // namespace
 
 QVCustomControlRowControls::QVCustomControlRowControls(QWidget &row)
+    : m_row(row)
 {
-    expandSwitch = new QToolButton(&row);
+    expandSwitch = new QVExpandSwitch(&row);
     expandSwitch->setObjectName(QStringLiteral("expandSwitch"));
-    expandSwitch->setCheckable(true);
-    expandSwitch->setAutoRaise(true);
-    expandSwitch->setArrowType(Qt::DownArrow);
     expandSwitch->setAccessibleName(tr("Show Details"));
-    // A bare disclosure triangle, not a button bezel.
-    expandSwitch->setStyleSheet(QStringLiteral("QToolButton { border: none; background: transparent; }"));
 
     actionSelector = new QComboBox(&row);
     actionSelector->setObjectName(QStringLiteral("actionSelector"));
@@ -90,9 +87,12 @@ QVCustomControlRowControls::QVCustomControlRowControls(QWidget &row)
     hotKeyClearButton = new QVHotKeyClearButton(&row);
     hotKeyClearButton->setObjectName(QStringLiteral("hotKeyClearButton"));
     hotKeyTextView->setDeleteButton(hotKeyClearButton);
+}
 
+void QVCustomControlRowControls::makeMoveBox()
+{
     using Meaning = QVCustomControlDirectionSelectorView::Meaning;
-    moveBox = newDetailBox(QStringLiteral("moveBox"), tr("Move settings"), row);
+    moveBox = newDetailBox(QStringLiteral("moveBox"), tr("Move settings"), m_row);
     moveDirectionSelector = new QVRoundedCustomControlDirectionSelectorView(Meaning::MoveDirection, moveBox);
     moveDirectionSelector->setObjectName(QStringLiteral("moveDirectionSelector"));
     auto *deltaLabel = new QLabel(tr("Step:"), moveBox);
@@ -117,12 +117,20 @@ QVCustomControlRowControls::QVCustomControlRowControls(QWidget &row)
     moveLayout->addWidget(moveAccelerateSwitch, 1, 1);
     moveLayout->addWidget(moveConfinedToDisplaySwitch, 2, 1);
     moveLayout->setColumnStretch(1, 1);
+}
 
-    moveToEdgeOrCornerPositionSelector = new QVRoundedCustomControlDirectionSelectorView(Meaning::EdgeOrCorner, &row);
+void QVCustomControlRowControls::makeEdgeOrCornerSelector()
+{
+    using Meaning = QVCustomControlDirectionSelectorView::Meaning;
+    moveToEdgeOrCornerPositionSelector = new QVRoundedCustomControlDirectionSelectorView(Meaning::EdgeOrCorner, &m_row);
     moveToEdgeOrCornerPositionSelector->setObjectName(QStringLiteral("moveToEdgeOrCornerPositionSelector"));
     moveToEdgeOrCornerPositionSelector->hide();
+}
 
-    otherDisplayBox = newDetailBox(QStringLiteral("otherDisplayBox"), tr("Other display settings"), row);
+void QVCustomControlRowControls::makeOtherDisplayBox()
+{
+    using Meaning = QVCustomControlDirectionSelectorView::Meaning;
+    otherDisplayBox = newDetailBox(QStringLiteral("otherDisplayBox"), tr("Other display settings"), m_row);
     moveToOtherDisplayDirectionSelector
         = new QVRoundedCustomControlDirectionSelectorView(Meaning::DisplaySide, otherDisplayBox);
     moveToOtherDisplayDirectionSelector->setObjectName(QStringLiteral("moveToOtherDisplayDirectionSelector"));
@@ -139,8 +147,11 @@ QVCustomControlRowControls::QVCustomControlRowControls(QWidget &row)
     otherDisplayLayout->addWidget(moveToOtherDisplayLoopSwitch, 1, 1);
     otherDisplayLayout->setRowStretch(2, 1);
     otherDisplayLayout->setColumnStretch(1, 1);
+}
 
-    headerBox = newDetailBox(QStringLiteral("headerBox"), tr("Heading settings"), row);
+void QVCustomControlRowControls::makeHeaderBox()
+{
+    headerBox = newDetailBox(QStringLiteral("headerBox"), tr("Heading settings"), m_row);
     auto *titleLabel = new QLabel(tr("Title:"), headerBox);
     titleLabel->setAccessibleName(titleLabel->text());
     headerTitleField = new QLineEdit(headerBox);
@@ -152,6 +163,40 @@ QVCustomControlRowControls::QVCustomControlRowControls(QWidget &row)
     headerLayout->addWidget(titleLabel);
     headerLayout->addWidget(headerTitleField, 1);
     headerLayout->setAlignment(Qt::AlignTop);
+}
+
+QWidget *QVCustomControlRowControls::makeDetailBoxForAction(qint64 action)
+{
+    switch (action) {
+    case QVAction::Move:
+        if (!moveBox)
+            makeMoveBox();
+        break;
+    case QVAction::MoveToEdgeOrCorner:
+        if (!moveToEdgeOrCornerPositionSelector)
+            makeEdgeOrCornerSelector();
+        break;
+    case QVAction::MoveToOtherDisplay:
+        if (!otherDisplayBox)
+            makeOtherDisplayBox();
+        break;
+    case QVAction::Heading:
+        if (!headerBox)
+            makeHeaderBox();
+        break;
+    default: break;
+    }
+    return detailBoxForAction(action);
+}
+
+QList<QWidget *> QVCustomControlRowControls::detailBoxes() const
+{
+    QList<QWidget *> boxes;
+    for (QWidget *box :
+        { moveBox, static_cast<QWidget *>(moveToEdgeOrCornerPositionSelector), otherDisplayBox, headerBox })
+        if (box)
+            boxes.append(box);
+    return boxes;
 }
 
 void QVCustomControlRowControls::addActionItems(QComboBox &selector)
@@ -198,9 +243,15 @@ QWidget *QVCustomControlRowControls::detailBoxForAction(qint64 action) const
     }
 }
 
-int QVCustomControlRowControls::detailBoxHeight() const
+int QVCustomControlRowControls::detailBoxHeight()
 {
-    return moveBox->sizeHint().height();
+    // Measured once on a Move box of its own, whatever boxes a row has made.
+    static const int height = [] {
+        QWidget row;
+        QVCustomControlRowControls controls(row);
+        return controls.makeDetailBoxForAction(QVAction::Move)->sizeHint().height();
+    }();
+    return height;
 }
 
 void QVCustomControlRowControls::layOut(int rowWidth)
@@ -209,8 +260,8 @@ void QVCustomControlRowControls::layOut(int rowWidth)
     expandSwitch->setGeometry(right - expandSwitchSize, headerControlTop + (headerControlHeight - expandSwitchSize) / 2,
         expandSwitchSize, expandSwitchSize);
     const int clearLeft = expandSwitch->x() - gap - clearButtonSize;
-    hotKeyClearButton->setGeometry(clearLeft, headerControlTop + (headerControlHeight - clearButtonSize) / 2,
-        clearButtonSize, clearButtonSize);
+    hotKeyClearButton->setGeometry(
+        clearLeft, headerControlTop + (headerControlHeight - clearButtonSize) / 2, clearButtonSize, clearButtonSize);
     const int fieldLeft = clearLeft - 2 - hotKeyFieldWidth;
     hotKeyTextView->setGeometry(fieldLeft, headerControlTop, hotKeyFieldWidth, headerControlHeight);
 
@@ -219,10 +270,8 @@ void QVCustomControlRowControls::layOut(int rowWidth)
 
     // Every box reaches down as far as the Move box, so rows of every action line up.
     const int boxWidth = right - popUpLeft;
-    const int boxHeight = detailBoxHeight();
-    for (QWidget *box : { moveBox, otherDisplayBox, headerBox })
-        box->setGeometry(popUpLeft, detailBoxTop, boxWidth, qMax(boxHeight, box->sizeHint().height()));
-    moveToEdgeOrCornerPositionSelector->setGeometry(popUpLeft, detailBoxTop,
-        moveToEdgeOrCornerPositionSelector->sizeHint().width(),
-        qMax(boxHeight, moveToEdgeOrCornerPositionSelector->sizeHint().height()));
+    for (QWidget *box : detailBoxes()) {
+        const int width = box == moveToEdgeOrCornerPositionSelector ? box->sizeHint().width() : boxWidth;
+        box->setGeometry(popUpLeft, detailBoxTop, width, qMax(detailBoxHeight(), box->sizeHint().height()));
+    }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QtGlobal>
 
 class QCheckBox;
@@ -14,7 +15,8 @@ class QVHotKeyTextView;
 // The controls of one row of the editor, made and placed as the row's design has
 // them: on the first line the action pop-up, the hot key field with its clear
 // button and the switch that shows the details; below, the one box of details the
-// action has. The row owns them (they are its children).
+// action has. A detail box is made when an action first needs it: long lists open
+// quickly. The row owns them all (they are its children).
 struct QVCustomControlRowControls final {
     // Height of the first line, the header band of the row.
     static constexpr int headerHeight = 40;
@@ -23,10 +25,14 @@ struct QVCustomControlRowControls final {
 
     // Places every control for the row's width.
     void layOut(int rowWidth);
-    // The detail box the action shows, or null.
+    // The detail box the action shows, made if need be; null for an action without one.
+    QWidget *makeDetailBoxForAction(qint64 action);
+    // The detail box the action shows if it was made, else null.
     QWidget *detailBoxForAction(qint64 action) const;
+    // Every detail box made so far.
+    QList<QWidget *> detailBoxes() const;
     // Boxes are as tall as the Move box, so rows of every action line up.
-    int detailBoxHeight() const;
+    static int detailBoxHeight();
     // Items of the pop-ups carry the action codes and the steps in pixels.
     static void addActionItems(QComboBox &selector);
     static void addDeltaItems(QComboBox &selector);
@@ -38,19 +44,28 @@ struct QVCustomControlRowControls final {
     QVHotKeyTextView *hotKeyTextView;
     QVHotKeyClearButton *hotKeyClearButton;
 
-    QWidget *moveBox;
-    QVCustomControlDirectionSelectorView *moveDirectionSelector;
-    QComboBox *moveDeltaSelector;
-    QCheckBox *moveAccelerateSwitch;
-    QCheckBox *moveConfinedToDisplaySwitch;
+    // Null until made.
+    QWidget *moveBox = nullptr;
+    QVCustomControlDirectionSelectorView *moveDirectionSelector = nullptr;
+    QComboBox *moveDeltaSelector = nullptr;
+    QCheckBox *moveAccelerateSwitch = nullptr;
+    QCheckBox *moveConfinedToDisplaySwitch = nullptr;
 
-    QVCustomControlDirectionSelectorView *moveToEdgeOrCornerPositionSelector;
+    QVCustomControlDirectionSelectorView *moveToEdgeOrCornerPositionSelector = nullptr;
 
-    QWidget *otherDisplayBox;
-    QVCustomControlDirectionSelectorView *moveToOtherDisplayDirectionSelector;
-    QCheckBox *moveToOtherDisplayRepositionSwitch;
-    QCheckBox *moveToOtherDisplayLoopSwitch;
+    QWidget *otherDisplayBox = nullptr;
+    QVCustomControlDirectionSelectorView *moveToOtherDisplayDirectionSelector = nullptr;
+    QCheckBox *moveToOtherDisplayRepositionSwitch = nullptr;
+    QCheckBox *moveToOtherDisplayLoopSwitch = nullptr;
 
-    QWidget *headerBox;
-    QLineEdit *headerTitleField;
+    QWidget *headerBox = nullptr;
+    QLineEdit *headerTitleField = nullptr;
+
+private:
+    void makeMoveBox();
+    void makeEdgeOrCornerSelector();
+    void makeOtherDisplayBox();
+    void makeHeaderBox();
+
+    QWidget &m_row;
 };

@@ -23,8 +23,8 @@ public:
     static constexpr int autoScrollFirstDelayMs = 100;
     static constexpr int autoScrollIntervalMs = 20;
 
-    QVCustomControlRowDrag(QVCustomControlCollectionView &list, QVCustomControlConfigurationView &row,
-        const QPoint &pressInList);
+    QVCustomControlRowDrag(
+        QVCustomControlCollectionView &list, QVCustomControlConfigurationView &row, const QPoint &pressInList);
     ~QVCustomControlRowDrag() override;
 
     // The pointer moved, in global coordinates.

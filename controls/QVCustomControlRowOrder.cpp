@@ -54,8 +54,7 @@ QList<int> QVSortedRowIndexes(const QList<QVCustomControlRowPlace> &places, cons
 {
     QList<int> indexes(places.size());
     std::iota(indexes.begin(), indexes.end(), 0);
-    std::stable_sort(indexes.begin(), indexes.end(), [&](int a, int b) {
-        return QVSortByConfigurationViewYCoordinate(places[a], places[b], listBounds);
-    });
+    std::stable_sort(indexes.begin(), indexes.end(),
+        [&](int a, int b) { return QVSortByConfigurationViewYCoordinate(places[a], places[b], listBounds); });
     return indexes;
 }

@@ -9,9 +9,9 @@
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QLineEdit>
 #include <QRadioButton>
-#include <QDir>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -292,8 +292,7 @@ void TestActionsEditor::dragReorders_data()
     QTest::newRow("one row up") << QList<int>() << 4 << -3 << QList { 0, 4, 1, 2, 3, 5 };
     QTest::newRow("unselected row alone") << QList { 2, 3 } << 0 << 1 << QList { 1, 0, 2, 3, 4, 5 };
     QTest::newRow("the selection together, past one") << QList { 1, 2 } << 1 << 2 << QList { 0, 3, 1, 2, 4, 5 };
-    QTest::newRow("the selection together, down to the end")
-        << QList { 0, 2 } << 2 << 5 << QList { 1, 3, 4, 5, 0, 2 };
+    QTest::newRow("the selection together, down to the end") << QList { 0, 2 } << 2 << 5 << QList { 1, 3, 4, 5, 0, 2 };
     QTest::newRow("every row: nothing moves") << QList { 0, 1, 2, 3, 4, 5 } << 0 << 3 << QList { 0, 1, 2, 3, 4, 5 };
 }
 
@@ -348,12 +347,13 @@ void TestActionsEditor::dragScrollsAndKeyCancels()
     QVERIFY(editor.order().indexOf(0) > 3);
     // Any key ends the drag and puts the order back.
     QTest::keyClick(editor.handle(), Qt::Key_Shift);
-    QCOMPARE(editor.order(), editor.order().isEmpty() ? QList<int>() : [] {
-        QList<int> all;
-        for (int index = 0; index < 20; ++index)
-            all.append(index);
-        return all;
-    }());
+    QCOMPARE(
+        editor.order(), editor.order().isEmpty() ? QList<int>() : [] {
+            QList<int> all;
+            for (int index = 0; index < 20; ++index)
+                all.append(index);
+            return all;
+        }());
     QTest::mouseRelease(editor.handle(), Qt::LeftButton, {}, bottom);
     QCOMPARE(editor.selection(), QList<int>());
     QVERIFY(editor.row(0)->moveSortFrame().isEmpty());
@@ -364,7 +364,8 @@ void TestActionsEditor::editsAreReported()
     Editor editor(0, QVEditorTestControls());
     QSignalSpy edited(editor.actions, &QVActionsPreferencesPage::controlsEdited);
     const QVCustomControlRowControls &move = editor.row(1)->controls();
-    QTest::mouseClick(move.moveAccelerateSwitch, Qt::LeftButton, {}, QPoint(8, move.moveAccelerateSwitch->height() / 2));
+    QTest::mouseClick(
+        move.moveAccelerateSwitch, Qt::LeftButton, {}, QPoint(8, move.moveAccelerateSwitch->height() / 2));
     QCOMPARE(editor.manager.controls().at(1)->moveAccelerate(), false);
     QTest::mouseClick(move.moveDirectionSelector->radioAt(QVPosition::Top), Qt::LeftButton);
     QCOMPARE(editor.manager.controls().at(1)->moveDirection(), QVPosition::Top);
