@@ -367,8 +367,11 @@ bool QVMainController::handleKeyDownEvent(const QVEvent &event, QVScreenOverlayP
         return false;
     const QVScreenOverlayCommand command = QVScreenOverlayCommand::forKeyDown(event);
     switch (command.kind) {
-    case QVScreenOverlayCommand::Ignore:
-    case QVScreenOverlayCommand::OpenPreferences: // no settings window yet
+    case QVScreenOverlayCommand::Ignore: break;
+    case QVScreenOverlayCommand::OpenPreferences:
+        // The overlay gives the keyboard back first: the settings window takes it next.
+        panel.setActive(false);
+        showPreferencesTab({});
         break;
     case QVScreenOverlayCommand::Perform: performOverlayPanelAction(); break;
     case QVScreenOverlayCommand::NextDisplay: moveOverlayToNextDisplay(panel); break;

@@ -14,7 +14,8 @@
 
 #include <csignal>
 
-namespace {
+namespace
+{
 
 constexpr quint64 controlOption = 0xC0000;
 constexpr xcb_keycode_t keyS = 39; // the overlay's hot key, with Control and Alt
@@ -25,6 +26,7 @@ constexpr xcb_keycode_t returnKey = 36;
 constexpr xcb_keycode_t escapeKey = 9;
 constexpr xcb_keycode_t tabKey = 23;
 constexpr xcb_keycode_t backspaceKey = 22;
+constexpr xcb_keycode_t commaKey = 59;
 
 const QList<QVTestXServer::Monitor> layout = QVTestXServer::threeMonitors();
 constexpr QRgb desktop = 0x336699;
@@ -36,7 +38,7 @@ constexpr int clickElsewhere = -2;
 bool isClose(QRgb a, QRgb b, int tolerance = 2)
 {
     return std::abs(qRed(a) - qRed(b)) <= tolerance && std::abs(qGreen(a) - qGreen(b)) <= tolerance
-           && std::abs(qBlue(a) - qBlue(b)) <= tolerance;
+        && std::abs(qBlue(a) - qBlue(b)) <= tolerance;
 }
 
 // The current section's colour, for the colour of the other levels' lines.
@@ -66,15 +68,14 @@ void verifyCurrentLine(const QImage &shot, int x, int y, QRgb levelColor)
 {
     const QRgb current = shot.pixel(x, y);
     QVERIFY2(isClose(current, currentSectionColor(levelColor)),
-             qPrintable(QStringLiteral("line %1, other levels %2").arg(describe(current), describe(levelColor))));
-    for (const int side : {x - 1, x + 1}) {
+        qPrintable(QStringLiteral("line %1, other levels %2").arg(describe(current), describe(levelColor))));
+    for (const int side : { x - 1, x + 1 }) {
         const QRgb halo = shot.pixel(side, y);
         QVERIFY2(qGray(halo) > qGray(desktop) + 20, qPrintable(QStringLiteral("halo %1").arg(describe(halo))));
     }
     QCOMPARE(describe(shot.pixel(x - 3, y)), describe(desktop));
     QCOMPARE(describe(shot.pixel(x + 3, y)), describe(desktop));
 }
-
 
 } // namespace
 
@@ -92,6 +93,7 @@ private Q_SLOTS:
     void tabCarriesTheStepsToTheNextMonitor();
     void exactPixelsAtScaleFactorTwo();
     void clicksGoThroughAfterReopening();
+    void commaOpensTheSettings();
 
 private:
     std::unique_ptr<QVTestXServer> m_server;
@@ -106,8 +108,8 @@ void TestX11Overlay::initTestCase()
     QVERIFY2(m_server, qPrintable(error));
     m_client = std::make_unique<QVTestXClient>(m_server->displayName());
     const QString settings = m_server->temporaryPath(QStringLiteral("settings.json"));
-    QVCorvaneProcess::writeSettings(
-        settings, {{QStringLiteral("Custom Controls"), QJsonArray{QVCorvaneProcess::control(51, keyS, controlOption)}}});
+    QVCorvaneProcess::writeSettings(settings,
+        { { QStringLiteral("Custom Controls"), QJsonArray { QVCorvaneProcess::control(51, keyS, controlOption) } } });
     m_corvane = std::make_unique<QVCorvaneProcess>(m_server->displayName(), settings);
     QVERIFY2(m_corvane->start(), qPrintable(m_corvane->log()));
 }
@@ -125,20 +127,22 @@ void TestX11Overlay::narrowAndLand_data()
     QTest::addColumn<QList<int>>("keys");
     QTest::addColumn<QPoint>("expected");
 
-    QTest::newRow("Return at once: centre") << QPoint(1500, 500) << layout[0].rootRect << QList<int>{returnKey} << QPoint(2240, 540);
+    QTest::newRow("Return at once: centre")
+        << QPoint(1500, 500) << layout[0].rootRect << QList<int> { returnKey } << QPoint(2240, 540);
     QTest::newRow("up, right, Return: top right quarter")
-        << QPoint(1500, 500) << layout[0].rootRect << QList<int>{keyK, keyL, returnKey} << QPoint(2720, 270);
-    QTest::newRow("the hot key again confirms") << QPoint(1500, 500) << layout[0].rootRect << QList<int>{keyK, pressHotKey} << QPoint(2240, 270);
-    QTest::newRow("Backspace undoes a step") << QPoint(1500, 500) << layout[0].rootRect << QList<int>{keyK, backspaceKey, returnKey}
-                                             << QPoint(2240, 540);
+        << QPoint(1500, 500) << layout[0].rootRect << QList<int> { keyK, keyL, returnKey } << QPoint(2720, 270);
+    QTest::newRow("the hot key again confirms")
+        << QPoint(1500, 500) << layout[0].rootRect << QList<int> { keyK, pressHotKey } << QPoint(2240, 270);
+    QTest::newRow("Backspace undoes a step")
+        << QPoint(1500, 500) << layout[0].rootRect << QList<int> { keyK, backspaceKey, returnKey } << QPoint(2240, 540);
     QTest::newRow("Backspace without steps keeps it open")
-        << QPoint(1500, 500) << layout[0].rootRect << QList<int>{backspaceKey, returnKey} << QPoint(2240, 540);
+        << QPoint(1500, 500) << layout[0].rootRect << QList<int> { backspaceKey, returnKey } << QPoint(2240, 540);
     QTest::newRow("opens on the monitor under the pointer")
-        << QPoint(100, 500) << layout[1].rootRect << QList<int>{returnKey} << QPoint(640, 680);
-    QTest::newRow("Escape leaves the pointer") << QPoint(1500, 500) << layout[0].rootRect << QList<int>{keyK, escapeKey}
-                                               << QPoint(1500, 500);
+        << QPoint(100, 500) << layout[1].rootRect << QList<int> { returnKey } << QPoint(640, 680);
+    QTest::newRow("Escape leaves the pointer")
+        << QPoint(1500, 500) << layout[0].rootRect << QList<int> { keyK, escapeKey } << QPoint(1500, 500);
     QTest::newRow("a click elsewhere closes, leaving the pointer")
-        << QPoint(1500, 500) << layout[0].rootRect << QList<int>{keyK, clickElsewhere} << QPoint(1500, 500);
+        << QPoint(1500, 500) << layout[0].rootRect << QList<int> { keyK, clickElsewhere } << QPoint(1500, 500);
 }
 
 void TestX11Overlay::narrowAndLand()
@@ -150,14 +154,14 @@ void TestX11Overlay::narrowAndLand()
 
     m_client->movePointer(start);
     const xcb_window_t focus = m_client->inputFocus();
-    m_client->tap(keyS, {QVTestKey::ControlL, QVTestKey::AltL});
+    m_client->tap(keyS, { QVTestKey::ControlL, QVTestKey::AltL });
     QTRY_VERIFY_WITH_TIMEOUT(m_client->hasViewableWindowAt(monitor), 5000);
     // The overlay has the keyboard through a grab; the focus stays where it was.
     QVERIFY(!m_client->grabKeyboard());
     QCOMPARE(m_client->inputFocus(), focus);
     for (const int key : keys) {
         if (key == pressHotKey)
-            m_client->tap(keyS, {QVTestKey::ControlL, QVTestKey::AltL});
+            m_client->tap(keyS, { QVTestKey::ControlL, QVTestKey::AltL });
         else if (key == clickElsewhere)
             m_client->click(1);
         else
@@ -176,8 +180,9 @@ void TestX11Overlay::pictureOverTheDesktop_data()
     QTest::addColumn<QString>("compositor");
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("no compositing manager") << QString() << QStringList();
-    QTest::newRow("picom") << QStringLiteral("picom") << QStringList{QStringLiteral("--backend"), QStringLiteral("xrender"),
-                                                                     QStringLiteral("--config"), QStringLiteral("/dev/null")};
+    QTest::newRow("picom") << QStringLiteral("picom")
+                           << QStringList { QStringLiteral("--backend"), QStringLiteral("xrender"),
+                                  QStringLiteral("--config"), QStringLiteral("/dev/null") };
     QTest::newRow("xcompmgr") << QStringLiteral("xcompmgr") << QStringList();
 }
 
@@ -205,8 +210,8 @@ void TestX11Overlay::pictureOverTheDesktop()
 
     // Open on the primary monitor and keep its top half.
     const QRect monitor = layout[0].rootRect;
-    m_client->movePointer({1500, 800});
-    m_client->tap(keyS, {QVTestKey::ControlL, QVTestKey::AltL});
+    m_client->movePointer({ 1500, 800 });
+    m_client->tap(keyS, { QVTestKey::ControlL, QVTestKey::AltL });
     QTRY_VERIFY_WITH_TIMEOUT(m_client->hasViewableWindowAt(monitor), 5000);
     // A failure below must not leave the keyboard taken for the tests that follow.
     const auto closeOverlay = qScopeGuard([&] {
@@ -226,9 +231,10 @@ void TestX11Overlay::pictureOverTheDesktop()
     QImage shot;
     const auto fullyShown = [&] {
         shot = m_client->screenshot(monitor);
-        keepScreenshot(shot, QStringLiteral("overlay-%1").arg(compositor.isEmpty() ? QStringLiteral("shaped") : compositor));
+        keepScreenshot(
+            shot, QStringLiteral("overlay-%1").arg(compositor.isEmpty() ? QStringLiteral("shaped") : compositor));
         return isClose(shot.pixel(x, 100), currentSectionColor(shot.pixel(x, 800)), 0)
-               && shot.pixel(300, 100) == (desktop | 0xff000000);
+            && shot.pixel(300, 100) == (desktop | 0xff000000);
     };
     QTRY_VERIFY_WITH_TIMEOUT(fullyShown(), 5000);
     const QRgb levelColor = shot.pixel(x, 800);
@@ -239,8 +245,8 @@ void TestX11Overlay::pictureOverTheDesktop()
     QVERIFY(isClose(shot.pixel(300, 269), currentSectionColor(levelColor)));
     // The desktop around the lines, and on the other monitors. The display's own
     // lines lost their halo when the top half became the current section.
-    for (const QPoint desktopPoint : {QPoint(300, 100), QPoint(1700, 800), QPoint(300, 538), QPoint(300, 540),
-                                      QPoint(x + 1, 800), QPoint(300, 267)})
+    for (const QPoint desktopPoint : { QPoint(300, 100), QPoint(1700, 800), QPoint(300, 538), QPoint(300, 540),
+             QPoint(x + 1, 800), QPoint(300, 267) })
         QCOMPARE(describe(shot.pixel(desktopPoint)), describe(desktop));
     QCOMPARE(describe(m_client->screenshot(layout[1].rootRect).pixel(600, 400)), describe(desktop));
 
@@ -253,8 +259,8 @@ void TestX11Overlay::tabCarriesTheStepsToTheNextMonitor()
     // From the right monitor, looping round to the left one, whose top half is
     // drawn and lands the pointer: (640, 480).
     m_client->paintDesktop(desktop);
-    m_client->movePointer({3300, 300});
-    m_client->tap(keyS, {QVTestKey::ControlL, QVTestKey::AltL});
+    m_client->movePointer({ 3300, 300 });
+    m_client->tap(keyS, { QVTestKey::ControlL, QVTestKey::AltL });
     QTRY_VERIFY_WITH_TIMEOUT(m_client->hasViewableWindowAt(layout[2].rootRect), 5000);
     m_client->tap(keyK);
     m_client->tap(tabKey);
@@ -278,8 +284,8 @@ void TestX11Overlay::exactPixelsAtScaleFactorTwo()
 {
     // A second corvane with its own hot key, drawing at twice Qt's scale.
     const QString settings = m_server->temporaryPath(QStringLiteral("scaled.json"));
-    QVCorvaneProcess::writeSettings(
-        settings, {{QStringLiteral("Custom Controls"), QJsonArray{QVCorvaneProcess::control(51, keyD, controlOption)}}});
+    QVCorvaneProcess::writeSettings(settings,
+        { { QStringLiteral("Custom Controls"), QJsonArray { QVCorvaneProcess::control(51, keyD, controlOption) } } });
     QVCorvaneProcess scaled(m_server->displayName(), settings);
     scaled.setEnvironmentVariable(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
     QVERIFY2(scaled.start(), qPrintable(scaled.log()));
@@ -287,8 +293,8 @@ void TestX11Overlay::exactPixelsAtScaleFactorTwo()
 
     // The right monitor, top half, then its right half: centred on (3920, 250).
     const QRect monitor = layout[2].rootRect;
-    m_client->movePointer({3300, 300});
-    m_client->tap(keyD, {QVTestKey::ControlL, QVTestKey::AltL});
+    m_client->movePointer({ 3300, 300 });
+    m_client->tap(keyD, { QVTestKey::ControlL, QVTestKey::AltL });
     QTRY_VERIFY_WITH_TIMEOUT(m_client->hasViewableWindowAt(monitor), 5000);
     m_client->tap(keyK);
     m_client->tap(keyL);
@@ -315,14 +321,14 @@ void TestX11Overlay::clicksGoThroughAfterReopening()
     // through to the window beneath, and closes on them.
     const QRect monitor = layout[0].rootRect;
     m_client->openRecordingWindow(monitor.adjusted(100, 100, -100, -100));
-    m_client->movePointer({1500, 500});
-    m_client->tap(keyS, {QVTestKey::ControlL, QVTestKey::AltL});
+    m_client->movePointer({ 1500, 500 });
+    m_client->tap(keyS, { QVTestKey::ControlL, QVTestKey::AltL });
     QTRY_VERIFY_WITH_TIMEOUT(m_client->hasViewableWindowAt(monitor), 5000);
     const xcb_window_t first = m_client->viewableWindowAt(monitor);
     m_client->tap(escapeKey);
     QTRY_VERIFY_WITH_TIMEOUT(!m_client->hasViewableWindowAt(monitor), 5000);
     QTest::qWait(6000);
-    m_client->tap(keyS, {QVTestKey::ControlL, QVTestKey::AltL});
+    m_client->tap(keyS, { QVTestKey::ControlL, QVTestKey::AltL });
     QTRY_VERIFY_WITH_TIMEOUT(m_client->hasViewableWindowAt(monitor), 5000);
     const xcb_window_t second = m_client->viewableWindowAt(monitor);
     QVERIFY(second != first);
@@ -334,6 +340,25 @@ void TestX11Overlay::clicksGoThroughAfterReopening()
     QCOMPARE(m_client->pointer(), QPoint(1500, 500));
     QVERIFY(m_client->grabKeyboard());
     m_client->ungrabKeyboard();
+}
+
+void TestX11Overlay::commaOpensTheSettings()
+{
+    const QString title = QStringLiteral("Corvane");
+    // Shown at launch; closed here so that its coming back is the comma's doing.
+    QTRY_VERIFY_WITH_TIMEOUT(m_client->viewableTopLevel(title), 5000);
+    m_client->closeWindow(m_client->viewableTopLevel(title)->window);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_client->viewableTopLevel(title), 5000);
+
+    m_client->movePointer(QPoint(1500, 500));
+    m_client->tap(keyS, { QVTestKey::ControlL, QVTestKey::AltL });
+    QTRY_VERIFY_WITH_TIMEOUT(m_client->hasViewableWindowAt(layout[0].rootRect), 5000);
+    m_client->tap(commaKey);
+    // The overlay closed and let the keyboard go; the settings came; the pointer stayed.
+    QTRY_VERIFY_WITH_TIMEOUT(m_client->viewableTopLevel(title), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(m_client->grabKeyboard(), 5000);
+    m_client->ungrabKeyboard();
+    QCOMPARE(m_client->pointer(), QPoint(1500, 500));
 }
 
 QTEST_GUILESS_MAIN(TestX11Overlay)

@@ -10,6 +10,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QUrl>
 #include <QtTest>
 
@@ -36,6 +38,7 @@ private Q_SLOTS:
     void helpOpensTheInstalledPage();
     void secondLaunchBringsTheWindowBackOnItsLastPage();
     void leavingTheTaskbarRestartsIntoTheTray();
+    void actionsEditorBuildsAWorkingControl();
 
 private:
     void startCorvane(const QJsonObject &settings);
@@ -142,7 +145,7 @@ void TestX11SettingsWindow::pagesAreReachableAndNamed()
     QTRY_VERIFY(windowHeight() != generalHeight); // fitted to the page, after its animation
 
     click(m_tree->find(QStringLiteral("check box"), QStringLiteral("Actions")));
-    QVERIFY2(waitFor(QStringLiteral("filler"), QStringLiteral("Custom controls")), qPrintable(m_tree->dump()));
+    QVERIFY2(waitFor(QStringLiteral("list"), QStringLiteral("Custom controls")), qPrintable(m_tree->dump()));
 
     click(m_tree->find(QStringLiteral("check box"), QStringLiteral("General")));
     QVERIFY(waitFor(QStringLiteral("check box"), QStringLiteral("Start at login")));
@@ -209,14 +212,14 @@ void TestX11SettingsWindow::secondLaunchBringsTheWindowBackOnItsLastPage()
         qPrintable(m_tree->dump()));
 
     click(m_tree->find(QStringLiteral("check box"), QStringLiteral("Actions")));
-    QVERIFY(waitFor(QStringLiteral("filler"), QStringLiteral("Custom controls")));
+    QVERIFY(waitFor(QStringLiteral("list"), QStringLiteral("Custom controls")));
     m_client->closeWindow(window->window);
     QTRY_VERIFY(!m_client->viewableTopLevel(QStringLiteral("Corvane")));
 
     QVCorvaneProcess third(m_server->displayName(), m_settingsPath);
     third.joinSessionBus(m_bus->address());
     third.start();
-    QVERIFY2(waitFor(QStringLiteral("filler"), QStringLiteral("Custom controls")), qPrintable(m_tree->dump()));
+    QVERIFY2(waitFor(QStringLiteral("list"), QStringLiteral("Custom controls")), qPrintable(m_tree->dump()));
     QVERIFY(m_corvane->isRunning());
 }
 
@@ -245,6 +248,43 @@ void TestX11SettingsWindow::leavingTheTaskbarRestartsIntoTheTray()
         waitFor(QStringLiteral("combo box"), QStringLiteral("Icon in the system tray")), qPrintable(m_tree->dump()));
     // The page was handed over once.
     QVERIFY(!QVCorvaneProcess::readSettings(m_settingsPath).contains(QStringLiteral("Preferences Section")));
+}
+
+void TestX11SettingsWindow::actionsEditorBuildsAWorkingControl()
+{
+    startCorvane({ { QStringLiteral("Preferences Section"), QStringLiteral("Actions") } });
+    QVERIFY2(waitFor(QStringLiteral("list"), QStringLiteral("Custom controls")), qPrintable(m_tree->dump()));
+    const auto storedControls = [this] {
+        return QVCorvaneProcess::readSettings(m_settingsPath).value(QStringLiteral("Custom Controls")).toArray();
+    };
+
+    // A new control shows as a selected item, and is written without waiting for the quit.
+    click(m_tree->find(QStringLiteral("push button"), QStringLiteral("Add Control")));
+    const auto *item = waitFor(QStringLiteral("list item"), QStringLiteral("Move Right"));
+    QVERIFY2(item && item->has(QStringLiteral("selected")), qPrintable(m_tree->dump()));
+    QVERIFY2(m_tree->unnamedControls().isEmpty(), qPrintable(m_tree->dump()));
+    QTRY_COMPARE_WITH_TIMEOUT(storedControls().size(), 1, 5000);
+
+    // A radio of the direction changes the control, and so its name.
+    click(m_tree->find(QStringLiteral("radio button"), QStringLiteral("Direction: Down & Right")));
+    QVERIFY2(waitFor(QStringLiteral("list item"), QStringLiteral("Move Down & Right")), qPrintable(m_tree->dump()));
+    QTRY_COMPARE_WITH_TIMEOUT(
+        storedControls().at(0).toObject().value(QStringLiteral("Move Direction")).toInt(), 6, 5000);
+
+    // A hot key recorded in the field works at once.
+    click(m_tree->find(QStringLiteral("text"), QStringLiteral("Hot key of Move Down & Right")));
+    m_server->run(QStringLiteral("xdotool"), { QStringLiteral("key"), QStringLiteral("ctrl+alt+k") });
+    QTRY_COMPARE_WITH_TIMEOUT(storedControls()
+                                  .at(0)
+                                  .toObject()
+                                  .value(QStringLiteral("Hot Key"))
+                                  .toObject()
+                                  .value(QStringLiteral("Visual Representation"))
+                                  .toString(),
+        QStringLiteral("^⌥K"), 5000);
+    m_client->movePointer(QPoint(300, 300));
+    m_server->run(QStringLiteral("xdotool"), { QStringLiteral("key"), QStringLiteral("ctrl+alt+k") });
+    QTRY_COMPARE(m_client->pointer(), QPoint(301, 301));
 }
 
 QTEST_GUILESS_MAIN(TestX11SettingsWindow)
