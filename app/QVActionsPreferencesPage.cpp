@@ -50,6 +50,15 @@ QVActionsPreferencesPage::QVActionsPreferencesPage(
     containerLayout->setContentsMargins(0, 0, 0, 0);
     containerLayout->setSpacing(0);
     containerLayout->addWidget(m_scrollArea, 1);
+    // A hairline between the list and its bar, counted in the bar's height.
+    auto *separator = new QFrame(m_container);
+    separator->setObjectName(QStringLiteral("separator"));
+    separator->setAccessibleName(tr("Separator"));
+    separator->setFrameShape(QFrame::HLine);
+    separator->setFrameShadow(QFrame::Plain);
+    separator->setForegroundRole(QPalette::Mid);
+    separator->setFixedHeight(1);
+    containerLayout->addWidget(separator);
     containerLayout->addWidget(newButtonBar());
     m_collectionView->setResizableContainerView(m_container);
 
@@ -85,7 +94,7 @@ QWidget *QVActionsPreferencesPage::newButtonBar()
     auto *bar = new QWidget(m_container);
     bar->setObjectName(QStringLiteral("buttonBar"));
     bar->setAccessibleName(tr("Custom controls buttons"));
-    bar->setFixedHeight(barHeight);
+    bar->setFixedHeight(barHeight - 1);
 
     m_addButton = new QVTintedButton(QStringLiteral("+"), bar);
     m_addButton->setObjectName(QStringLiteral("addButton"));
