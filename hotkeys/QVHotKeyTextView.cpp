@@ -202,8 +202,11 @@ bool QVHotKeyTextView::confirmRiskyHotKey(const QString &readableText)
     alert->exec();
     const bool confirmed = alert && alert->clickedButton() == use;
     delete alert;
-    if (self)
-        m_askingUser = false;
+    if (!self)
+        return false;
+    m_askingUser = false;
+    // Without a window manager nothing gives the keyboard back to the window.
+    window()->activateWindow();
     return confirmed;
 }
 

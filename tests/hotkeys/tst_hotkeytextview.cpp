@@ -9,6 +9,7 @@
 #include "QVKeyNames.h"
 #include "QVRecorderTestApplication.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -129,8 +130,10 @@ struct Fixture {
 class AlertAnswerer final : public QObject
 {
 public:
-    explicit AlertAnswerer(std::function<bool()> policy)
+    // whileUp runs once each alert is up, before the answer.
+    explicit AlertAnswerer(std::function<bool()> policy, std::function<void()> whileUp = {})
         : m_policy(std::move(policy))
+        , m_whileUp(std::move(whileUp))
     {
         m_timer.setInterval(5);
         connect(&m_timer, &QTimer::timeout, this, [this] { answer(); });
@@ -150,10 +153,13 @@ private:
         titles.append(alert->windowTitle());
         messages.append(alert->informativeText());
         defaultButtons.append(alert->defaultButton()->text());
+        if (m_whileUp)
+            m_whileUp();
         QTest::keyClick(alert, m_policy() ? Qt::Key_Return : Qt::Key_Escape);
     }
 
     std::function<bool()> m_policy;
+    std::function<void()> m_whileUp;
     QTimer m_timer;
 };
 
@@ -176,6 +182,8 @@ private Q_SLOTS:
     void idleFieldLeavesShortcutsAlone();
     void keyboardFollowsRecordingUnderRandomUse_data();
     void keyboardFollowsRecordingUnderRandomUse();
+    void clearButtonPictures();
+    void accessibleNamesAndValues();
 };
 
 void TestHotKeyTextView::recordingRule_data()
@@ -237,11 +245,15 @@ void TestHotKeyTextView::recordingRule()
     QVERIFY(f.base.platform.keyboardTaken);
     QCOMPARE(field->selectedText(), QStringLiteral("^⌥J"));
 
-    AlertAnswerer answerer([confirm] { return confirm; });
+    bool keyboardTakenWhileAsking = false;
+    AlertAnswerer answerer([confirm] { return confirm; },
+        [&] { keyboardTakenWhileAsking = f.base.platform.keyboardTaken || f.route.isKeyboardTaken(); });
     QVERIFY(f.press(keyCode, flags, characters, modifierKey));
     QCOMPARE(answerer.titles, alert.isEmpty() ? QStringList() : QStringList(alert));
-    if (!alert.isEmpty())
+    if (!alert.isEmpty()) {
         QVERIFY(answerer.messages.first().startsWith(QStringLiteral("Some applications might not respond properly")));
+        QVERIFY2(!keyboardTakenWhileAsking, "the alert needs the keyboard");
+    }
     QCOMPARE(field->text(), text);
     QCOMPARE(field->isRecording(), recording);
     QCOMPARE(f.base.platform.keyboardTaken, recording);
@@ -548,6 +560,44 @@ void TestHotKeyTextView::keyboardFollowsRecordingUnderRandomUse()
         const QString broken = f.brokenInvariant();
         QVERIFY2(broken.isEmpty(), qPrintable(broken + QStringLiteral(" after: ") + steps.join(QStringLiteral(", "))));
     }
+}
+
+void TestHotKeyTextView::clearButtonPictures()
+{
+    QWidget background;
+    background.setAutoFillBackground(true);
+    background.setPalette(QPalette(Qt::white));
+    QVHotKeyClearButton button(&background);
+    button.resize(button.sizeHint());
+    QCOMPARE(button.sizeHint(), QSize(14, 14));
+    const auto picture = [&button] { return button.grab().toImage(); };
+    const QPoint middle(7, 3); // on the disc, beside the cross
+    const QPoint corner(0, 0); // outside the disc
+    const QImage disabled = picture();
+    button.setEnabled(true);
+    const QImage enabled = picture();
+    button.setDown(true);
+    const QImage pressed = picture();
+    QVERIFY(qGray(disabled.pixel(middle)) > qGray(enabled.pixel(middle)));
+    // Pressed: darker by a tenth of black, and only where the picture has ink.
+    QVERIFY(qGray(pressed.pixel(middle)) < qGray(enabled.pixel(middle)));
+    QVERIFY(qAbs(qGray(pressed.pixel(middle)) - int(qGray(enabled.pixel(middle)) * 0.9)) <= 2);
+    QCOMPARE(pressed.pixel(corner), enabled.pixel(corner));
+    QCOMPARE(pressed.pixel(corner), disabled.pixel(corner));
+}
+
+void TestHotKeyTextView::accessibleNamesAndValues()
+{
+    Fixture f;
+    QAccessibleInterface *field = QAccessible::queryAccessibleInterface(f.fields[0]);
+    QAccessibleInterface *button = QAccessible::queryAccessibleInterface(f.buttons[1]);
+    QCOMPARE(field->text(QAccessible::Name), QStringLiteral("Hot key"));
+    QCOMPARE(field->text(QAccessible::Value), QStringLiteral("^⌥J"));
+    QCOMPARE(button->text(QAccessible::Name), QStringLiteral("Clear hot key"));
+    QCOMPARE(button->role(), QAccessible::Button);
+    QTest::mouseClick(f.buttons[0], Qt::LeftButton);
+    QCOMPARE(field->text(QAccessible::Value), noShortcut);
+    QVERIFY(QAccessible::queryAccessibleInterface(f.buttons[0])->state().disabled);
 }
 
 QTEST_MAIN(TestHotKeyTextView)
