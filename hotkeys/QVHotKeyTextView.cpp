@@ -240,7 +240,8 @@ void QVHotKeyTextView::showText(const QString &text, bool placeholder)
     const std::optional<double> size
         = m_hotKeyDelegate ? m_hotKeyDelegate->fontSizeForHotKeyTextView(this) : std::nullopt;
     textFont.setPixelSize(qRound(size.value_or(defaultFontSize)));
-    setFont(textFont);
+    if (textFont != font())
+        setFont(textFont);
 }
 
 void QVHotKeyTextView::updateDisplay()

@@ -115,7 +115,6 @@ private:
     std::unique_ptr<QWidget> m_window;
     QScrollArea *m_scrollArea = nullptr;
     QList<QVHotKeyTextView *> m_fields;
-    QLineEdit *m_next = nullptr; // after the first field in the focus chain
 };
 
 void TestX11HotKeyRecorder::init()
@@ -159,10 +158,6 @@ void TestX11HotKeyRecorder::init()
         line->addWidget(button);
         rows->addLayout(line);
         m_fields.append(field);
-        if (row == 0) {
-            m_next = new QLineEdit(content);
-            rows->addWidget(m_next);
-        }
     }
     QVERIFY(QVRecorderTestApplication::giveHotKey(
         *m_application->controls[1], keyK, Control | Option, QStringLiteral("^⌥K")));
@@ -256,7 +251,6 @@ void TestX11HotKeyRecorder::escapeCancelsAndShiftEscapeIsRecorded()
     startRecording(0);
     // A modifier key on its own is no candidate.
     QVERIFY(key(QStringLiteral("shift")));
-    QVERIFY(key(QStringLiteral("super")));
     QTest::qWait(200);
     QVERIFY(field->isRecording());
     QVERIFY(key(QStringLiteral("Escape")));
@@ -333,11 +327,6 @@ void TestX11HotKeyRecorder::clickOutsideTheWindowEndsRecording()
     startRecording(0);
     QVERIFY(xdotool({ QStringLiteral("mousemove"), QStringLiteral("1200"), QStringLiteral("750"),
         QStringLiteral("click"), QStringLiteral("1") }));
-    QTRY_VERIFY(!m_fields[0]->isRecording());
-    QVERIFY(keyboardIsFree());
-    // A click on another control of the window ends it too.
-    startRecording(0);
-    QVERIFY(clickOn(*m_next));
     QTRY_VERIFY(!m_fields[0]->isRecording());
     QVERIFY(keyboardIsFree());
 }
