@@ -217,3 +217,8 @@ bool QVCustomControlRepresentation::shouldSetHotKey(const QVHotKeyRef &hotKey, c
     m_hotKey = hotKey;
     return true;
 }
+
+QString QVCustomControlRepresentation::titleOfControlHoldingHotKey(const QVHotKey &hotKey)
+{
+    return m_applicationDelegate ? m_applicationDelegate->titleOfControlHoldingHotKey(hotKey) : QString();
+}

@@ -65,6 +65,7 @@ public:
     QVHotKeyService *hotKeyService() const override;
     QString identifierForHotKeyTextView(QObject *textView) override;
     bool shouldSetHotKey(const QVHotKeyRef &hotKey, const QString &identifier) override;
+    QString titleOfControlHoldingHotKey(const QVHotKey &hotKey) override;
 
 private:
     QVHotKeyDelegate *m_applicationDelegate;

@@ -34,6 +34,13 @@ public:
         Q_UNUSED(hotKey);
         Q_UNUSED(identifier);
     }
+    // The title of the control whose hot key the given one would collide with, or
+    // a null string when no control of Corvane holds it (another program may).
+    virtual QString titleOfControlHoldingHotKey(const QVHotKey &hotKey)
+    {
+        Q_UNUSED(hotKey);
+        return {};
+    }
     // Font size for the field's text; nothing means the field's own default.
     virtual std::optional<double> fontSizeForHotKeyTextView(QObject *textView)
     {

@@ -8,8 +8,7 @@
 
 // A window-system event in the form the dispatch and the action engine read.
 // Events are shared by reference: repetition tells events apart by identity.
-struct QVEvent final
-{
+struct QVEvent final {
     enum Type : int {
         LeftMouseDown = 1,
         KeyDown = 10,
@@ -27,6 +26,7 @@ struct QVEvent final
     quint16 keyCode = 0;
     quint64 modifierFlags = 0;
     QString charactersIgnoringModifiers;
+    bool isModifierKey = false; // key down of a modifier key (Shift, Control, Caps Lock ...) on its own
     QVPoint location; // window coordinates
 };
 

@@ -4,7 +4,8 @@
 
 // Modifier flags as stored and passed around: the device-independent bits above
 // bit 16, the side of each modifier key in the low bits.
-namespace QVModifierFlag {
+namespace QVModifierFlag
+{
 constexpr quint64 CapsLock = 0x10000;
 constexpr quint64 Shift = 0x20000;
 constexpr quint64 Control = 0x40000;
@@ -26,10 +27,29 @@ constexpr quint64 DeviceIndependentMask = 0xFFFF0000;
 } // namespace QVModifierFlag
 
 // Modifier bits of the hot key service.
-namespace QVCarbonModifier {
+namespace QVCarbonModifier
+{
 constexpr quint32 Command = 0x100;
 constexpr quint32 Shift = 0x200;
 constexpr quint32 Option = 0x800;
 constexpr quint32 Control = 0x1000;
 constexpr quint32 Function = 0x20000;
 } // namespace QVCarbonModifier
+
+// The stored flags for the modifier state of an X key event (Shift, Lock, Control,
+// Mod1 as Option, Mod4 as Command), without the sides of the keys.
+constexpr quint64 QVModifierFlagsForXState(quint32 state)
+{
+    quint64 flags = 0;
+    if (state & 0x1)
+        flags |= QVModifierFlag::Shift;
+    if (state & 0x2)
+        flags |= QVModifierFlag::CapsLock;
+    if (state & 0x4)
+        flags |= QVModifierFlag::Control;
+    if (state & 0x8)
+        flags |= QVModifierFlag::Option;
+    if (state & 0x40)
+        flags |= QVModifierFlag::Command;
+    return flags;
+}

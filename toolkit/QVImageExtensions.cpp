@@ -6,13 +6,19 @@
 namespace
 {
 
+// The colour laid over the image where it has ink, in the given way.
+QImage imageWithColor(const QImage &image, const QColor &color, QPainter::CompositionMode mode)
+{
+    QImage colored = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&colored);
+    painter.setCompositionMode(mode);
+    painter.fillRect(QRect(QPoint(0, 0), colored.size()), color);
+    return colored;
+}
+
 QImage tintedImageWithColor(const QImage &image, const QColor &color)
 {
-    QImage tinted = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&tinted);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(QRect(QPoint(0, 0), tinted.size()), color);
-    return tinted;
+    return imageWithColor(image, color, QPainter::CompositionMode_SourceIn);
 }
 
 } // namespace
@@ -49,4 +55,9 @@ QImage imageFromSvg(const QString &path, qreal devicePixelRatio)
     QPainter painter(&image);
     renderer.render(&painter, QRectF(QPointF(0, 0), renderer.defaultSize()));
     return image;
+}
+
+QImage darkenedImageWithColor(const QImage &image, const QColor &color)
+{
+    return imageWithColor(image, color, QPainter::CompositionMode_SourceAtop);
 }

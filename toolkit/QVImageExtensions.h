@@ -19,3 +19,7 @@ void drawInRect(QPainter &painter, const QImage &image, const QRectF &rect, cons
 // An SVG file or resource rendered at its own size for a display of the given device pixel
 // ratio; a null image when it cannot be read.
 QImage imageFromSvg(const QString &path, qreal devicePixelRatio);
+
+// The image with the colour laid over it where it has ink (source-atop): a translucent black
+// darkens the image without spreading beyond its shape.
+QImage darkenedImageWithColor(const QImage &image, const QColor &color);

@@ -174,10 +174,16 @@ void QVX11Keyboard::readNumLockMask()
     QVXcbReply<xcb_get_modifier_mapping_reply_t> map(
         xcb_get_modifier_mapping_reply(c, xcb_get_modifier_mapping(c), nullptr));
     QVXcbReply<xcb_keycode_t> numLockKeys(xcb_key_symbols_get_keycode(m_symbols, numLockSymbol));
-    if (!map || !numLockKeys)
+    m_modifierKeys.clear();
+    if (!map)
         return;
     const xcb_keycode_t *keys = xcb_get_modifier_mapping_keycodes(map.get());
     const int perModifier = map->keycodes_per_modifier;
+    for (int index = 0; index < 8 * perModifier; ++index)
+        if (keys[index])
+            m_modifierKeys.insert(keys[index]);
+    if (!numLockKeys)
+        return;
     for (int modifier = 0; modifier < 8; ++modifier)
         for (int index = 0; index < perModifier; ++index)
             for (const xcb_keycode_t *numLock = numLockKeys.get(); *numLock != XCB_NO_SYMBOL; ++numLock)
@@ -199,18 +205,7 @@ void QVX11Keyboard::seedHeldModifiers()
 
 quint64 QVX11Keyboard::modifierFlagsForState(quint16 state) const
 {
-    using namespace QVModifierFlag;
-    quint64 flags = 0;
-    if (state & XCB_MOD_MASK_SHIFT)
-        flags |= Shift;
-    if (state & XCB_MOD_MASK_LOCK)
-        flags |= CapsLock;
-    if (state & XCB_MOD_MASK_CONTROL)
-        flags |= Control;
-    if (state & XCB_MOD_MASK_1)
-        flags |= Option;
-    if (state & XCB_MOD_MASK_4)
-        flags |= Command;
+    quint64 flags = QVModifierFlagsForXState(state);
     for (const xcb_keycode_t keyCode : m_heldModifiers) {
         const quint64 side = m_modifierSides.value(keyCode);
         if (flags & modifierOfSide(side))

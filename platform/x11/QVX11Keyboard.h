@@ -39,6 +39,8 @@ public:
     // What the key types without modifiers, e.g. "a" or ",".
     QString charactersIgnoringModifiers(xcb_keycode_t keyCode) const;
     bool isKnownKeyCode(xcb_keycode_t keyCode) const;
+    // Whether the key is bound to a modifier (Shift, Control, Caps Lock, NumLock, AltGr ...).
+    bool isModifierKey(xcb_keycode_t keyCode) const { return m_modifierKeys.contains(keyCode); }
 
     // Read once, then kept until the controls change (XKB ControlsNotify) or
     // another keyboard, with controls of its own, stands behind the core one.
@@ -81,6 +83,7 @@ public:
 
 private:
     void readModifierSides();
+    // Also notes which keys the modifier map binds.
     void readNumLockMask();
     void seedHeldModifiers();
     void selectRawEvents(bool buttons);
@@ -96,6 +99,7 @@ private:
     quint16 m_numLockMask = 0;
     QHash<xcb_keycode_t, quint64> m_modifierSides; // key code -> side flag
     QSet<xcb_keycode_t> m_heldModifiers;
+    QSet<xcb_keycode_t> m_modifierKeys; // every key of the modifier map
     QHash<xcb_keycode_t, int> m_expectedReleaseEchoes;
     QHash<xcb_keycode_t, int> m_expectedPressEchoes;
     QSet<quint16> m_xtestKeyboards; // device ids

@@ -147,6 +147,18 @@ void QVX11Platform::releaseKeyboard()
     m_keyboardTaken = false;
 }
 
+quint64 QVX11Platform::modifierFlagsForNativeModifiers(quint32 nativeModifiers) const
+{
+    return m_keyboard->modifierFlagsForState(quint16(nativeModifiers));
+}
+
+QString QVX11Platform::charactersIgnoringModifiers(quint16 keyCode) const
+{
+    return m_keyboard->isKnownKeyCode(xcb_keycode_t(keyCode))
+        ? m_keyboard->charactersIgnoringModifiers(xcb_keycode_t(keyCode))
+        : QString();
+}
+
 void QVX11Platform::setEventHandler(EventHandler handler)
 {
     m_handler = std::move(handler);
@@ -271,6 +283,7 @@ void QVX11Platform::handleKey(const xcb_generic_event_t *event, bool press)
     keyDown->keyCode = key->detail;
     keyDown->modifierFlags = m_keyboard->modifierFlagsForState(key->state);
     keyDown->charactersIgnoringModifiers = m_keyboard->charactersIgnoringModifiers(key->detail);
+    keyDown->isModifierKey = m_keyboard->isModifierKey(key->detail);
     keyDown->location = m_displays->windowPointFromRoot(key->root_x, key->root_y);
     deliver(keyDown);
 }

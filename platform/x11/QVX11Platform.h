@@ -31,6 +31,8 @@ public:
     RepeatThresholds keyRepeatThresholds() const override;
     bool takeKeyboard() override;
     void releaseKeyboard() override;
+    quint64 modifierFlagsForNativeModifiers(quint32 nativeModifiers) const override;
+    QString charactersIgnoringModifiers(quint16 keyCode) const override;
     void setEventHandler(EventHandler handler) override;
     void beep() override;
     bool isCompositingManagerRunning() const override;

@@ -37,10 +37,11 @@ public:
     }
     void unregisterHotKey(Handle handle) override { activeHotKeys.remove(handle); }
     RepeatThresholds keyRepeatThresholds() const override { return thresholds; }
-    bool takeKeyboard() override { return true; }
-    void releaseKeyboard() override { }
+    bool takeKeyboard() override { return keyboardTaken = keyboardAvailable; }
+    void releaseKeyboard() override { keyboardTaken = false; }
     void setEventHandler(EventHandler) override { }
-    void beep() override { }
+    void beep() override { ++beeps; }
+    QString charactersIgnoringModifiers(quint16 keyCode) const override { return keyCharacters.value(keyCode); }
     bool isCompositingManagerRunning() const override { return true; }
     void setWindowListedInTaskbar(quintptr window, bool listed) override { listedWindows[window] = listed; }
     void activateWindow(quintptr window) override { activatedWindows.append(window); }
@@ -56,6 +57,10 @@ public:
     QMap<Handle, QVHotKeyRegistration> activeHotKeys;
     QMap<quintptr, bool> listedWindows;
     QList<quintptr> activatedWindows;
+    bool keyboardAvailable = true; // false: another client keeps the keyboard
+    bool keyboardTaken = false;
+    int beeps = 0;
+    QMap<quint16, QString> keyCharacters; // what each key types without modifiers
 
 private:
     Handle m_lastHandle = 0;

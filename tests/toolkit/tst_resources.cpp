@@ -40,6 +40,8 @@ private Q_SLOTS:
         const QSize image(12, 12);
         for (const char *name : { "QVArrow", "QVArrowOblique", "QVClick", "QVClickRight", "QVScreenSection" })
             QTest::newRow(name) << QVImageResourcePath(QLatin1String(name)) << image;
+        for (const char *name : { "QVHotKeyDeleteOn", "QVHotKeyDeleteOff" })
+            QTest::newRow(name) << QVImageResourcePath(QLatin1String(name)) << QSize(14, 14);
         QTest::newRow("application") << QVIconResourcePath(QStringLiteral("corvane")) << QSize(128, 128);
         QTest::newRow("tray") << QVIconResourcePath(QStringLiteral("corvane-tray")) << QSize(24, 24);
         for (const char *name :
