@@ -301,6 +301,14 @@ bool QVMainController::shouldSetHotKey(const QVHotKeyRef &hotKey, const QString 
     return false; // no field records hot keys for the application itself
 }
 
+QString QVMainController::titleOfControlHoldingHotKey(const QVHotKey &hotKey)
+{
+    for (const QVCustomControlRef &control : m_manager->controls())
+        if (const QVHotKeyRef held = control->hotKey(); held && held->isRegistered() && held->isEqualToHotKey(hotKey))
+            return control->displayTitleWithSuffixes(nullptr);
+    return {};
+}
+
 void QVMainController::settingsChangedExternally()
 {
     const bool accountsForCapsLock = m_defaults.boolForKey(capsLockKey);

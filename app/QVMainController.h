@@ -87,6 +87,7 @@ public:
     QVHotKeyService *hotKeyService() const override;
     QString identifierForHotKeyTextView(QObject *textView) override;
     bool shouldSetHotKey(const QVHotKeyRef &hotKey, const QString &identifier) override;
+    QString titleOfControlHoldingHotKey(const QVHotKey &hotKey) override;
 
 private:
     QVPreferencesWindow &preferencesWindow();

@@ -1,6 +1,7 @@
 #include "QVCommandLine.h"
 #include "QVEventDispatcher.h"
 #include "QVEventParserApplication.h"
+#include "QVHotKeyRecordingRoute.h"
 #include "QVInstalledResources.h"
 #include "QVLog.h"
 #include "QVMainController.h"
@@ -128,6 +129,10 @@ int main(int argc, char **argv)
     QVUserDefaults defaults(settingsPath);
     QVUserDefaults::setStandardUserDefaults(&defaults);
 
+    // Made before the controller's windows, whose hot key fields record through it, and gone after them.
+    QVHotKeyRecordingRoute recordingRoute(*platform);
+    QVHotKeyRecordingRoute::setShared(&recordingRoute);
+
     QVMainController controller(*platform, defaults);
     QObject::connect(&singleInstance, &QVSingleInstance::reopenRequested, &controller,
         &QVMainController::applicationShouldHandleReopen);
@@ -139,7 +144,11 @@ int main(int argc, char **argv)
         },
         [&controller](const QVEventRef &event) { controller.dispatchEventNormally(event); }, *platform,
         repetitionTimer));
-    platform->setEventHandler([&application](const QVEventRef &event) { application.sendEvent(event); });
+    // While a field records a hot key, every key goes to it: no hot key acts.
+    platform->setEventHandler([&application, &recordingRoute](const QVEventRef &event) {
+        if (!recordingRoute.routeEvent(event))
+            application.sendEvent(event);
+    });
 
     QVUnixSignalWatcher signals;
     QObject::connect(&signals, &QVUnixSignalWatcher::terminationRequested, &application,

@@ -136,8 +136,8 @@ QVCustomControlDirectionSelectorView::QVCustomControlDirectionSelectorView(
         const qint64 position = gridPositions[index];
         if (!positions.contains(position))
             continue;
+        // Exclusive, so that screen readers and arrow keys treat the radios as one choice.
         auto *radio = new SelectorRadio(this);
-        radio->setAutoExclusive(false);
         radio->setAccessibleName(radioName(meaning, position));
         connect(radio, &QAbstractButton::clicked, this, [this, radio] { changeDirection(radio); });
         // Covers state changes that bypass a click, such as an assistive tool's toggle.
@@ -177,8 +177,14 @@ void QVCustomControlDirectionSelectorView::setDirection(qint64 direction, QAbstr
         radio = radioAt(direction);
     }
     m_settingStates = true;
-    for (QAbstractButton *button : findChildren<QAbstractButton *>(Qt::FindDirectChildrenOnly))
+    // An exclusive radio that is on refuses to go off: every radio is set free for a moment.
+    const QList<QAbstractButton *> radios = findChildren<QAbstractButton *>(Qt::FindDirectChildrenOnly);
+    for (QAbstractButton *button : radios)
+        button->setAutoExclusive(false);
+    for (QAbstractButton *button : radios)
         button->setChecked(button == radio);
+    for (QAbstractButton *button : radios)
+        button->setAutoExclusive(true);
     m_settingStates = false;
     m_direction = direction;
 }

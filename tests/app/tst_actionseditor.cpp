@@ -392,6 +392,8 @@ void TestActionsEditor::everyPartIsNamed()
     QCOMPARE(move.moveDirectionSelector->radioAt(QVPosition::TopLeft)->accessibleName(),
         QStringLiteral("Direction: Up & Left"));
 
+    QCOMPARE(QAccessible::queryAccessibleInterface(move.moveDirectionSelector->radioAt(QVPosition::Top))->role(),
+        QAccessible::RadioButton);
     // A list of items that tell whether they are selected.
     QCOMPARE(QAccessible::queryAccessibleInterface(editor.list())->role(), QAccessible::List);
     QAccessibleInterface *item = QAccessible::queryAccessibleInterface(editor.row(1));
