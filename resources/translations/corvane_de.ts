@@ -53,16 +53,44 @@ Verbreitet unter der MIT-Lizenz.</translation>
         <translation>Aktionen</translation>
     </message>
     <message>
-        <source>Your custom controls will be listed here.</source>
-        <translation>Hier werden Ihre Aktionen aufgelistet.</translation>
-    </message>
-    <message>
         <source>Custom controls list</source>
         <translation>Liste der Aktionen</translation>
     </message>
     <message>
-        <source>Custom controls</source>
-        <translation>Aktionen</translation>
+        <source>Scroll custom controls</source>
+        <translation>Aktionen rollen</translation>
+    </message>
+    <message>
+        <source>Custom controls editor</source>
+        <translation>Bearbeitung der Aktionen</translation>
+    </message>
+    <message>
+        <source>Separator</source>
+        <translation>Trennlinie</translation>
+    </message>
+    <message>
+        <source>Custom controls buttons</source>
+        <translation>Knöpfe der Aktionen</translation>
+    </message>
+    <message>
+        <source>Add Control</source>
+        <translation>Aktion hinzufügen</translation>
+    </message>
+    <message>
+        <source>Add a control below the selection</source>
+        <translation>Eine Aktion unter der Auswahl hinzufügen</translation>
+    </message>
+    <message>
+        <source>Delete Selected Controls</source>
+        <translation>Ausgewählte Aktionen löschen</translation>
+    </message>
+    <message>
+        <source>Delete the selected controls</source>
+        <translation>Die ausgewählten Aktionen löschen</translation>
+    </message>
+    <message>
+        <source>Editor message</source>
+        <translation>Meldung der Bearbeitung</translation>
     </message>
 </context>
 <context>
@@ -144,6 +172,155 @@ Verbreitet unter der MIT-Lizenz.</translation>
     <message>
         <source>Quit</source>
         <translation>Beenden</translation>
+    </message>
+</context>
+<context>
+    <name>QVCustomControlCollectionView</name>
+    <message>
+        <source>Custom controls</source>
+        <translation>Aktionen</translation>
+    </message>
+</context>
+<context>
+    <name>QVCustomControlConfigurationView</name>
+    <message>
+        <source>Action of %1</source>
+        <translation>Aktion von %1</translation>
+    </message>
+    <message>
+        <source>Hot key of %1</source>
+        <translation>Tastenkürzel von %1</translation>
+    </message>
+    <message>
+        <source>Clear hot key of %1</source>
+        <translation>Tastenkürzel von %1 löschen</translation>
+    </message>
+    <message>
+        <source>Details of %1</source>
+        <translation>Details von %1</translation>
+    </message>
+    <message>
+        <source>Step of %1</source>
+        <translation>Schrittweite von %1</translation>
+    </message>
+    <message>
+        <source>Direction of %1</source>
+        <translation>Richtung von %1</translation>
+    </message>
+    <message>
+        <source>Position of %1</source>
+        <translation>Position von %1</translation>
+    </message>
+    <message>
+        <source>Display of %1</source>
+        <translation>Bildschirm von %1</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>Title of the heading</source>
+        <translation>Titel der Überschrift</translation>
+    </message>
+</context>
+<context>
+    <name>QVCustomControlDirectionSelectorView</name>
+    <message>
+        <source>Direction</source>
+        <translation>Richtung</translation>
+    </message>
+    <message>
+        <source>Edge or corner</source>
+        <translation>Rand oder Ecke</translation>
+    </message>
+    <message>
+        <source>Side of the other display</source>
+        <translation>Seite des anderen Bildschirms</translation>
+    </message>
+    <message>
+        <source>Direction: Up</source>
+        <translation>Richtung: Nach oben</translation>
+    </message>
+    <message>
+        <source>Direction: Up &amp; Right</source>
+        <translation>Richtung: Nach oben rechts</translation>
+    </message>
+    <message>
+        <source>Direction: Right</source>
+        <translation>Richtung: Nach rechts</translation>
+    </message>
+    <message>
+        <source>Direction: Down &amp; Right</source>
+        <translation>Richtung: Nach unten rechts</translation>
+    </message>
+    <message>
+        <source>Direction: Down</source>
+        <translation>Richtung: Nach unten</translation>
+    </message>
+    <message>
+        <source>Direction: Down &amp; Left</source>
+        <translation>Richtung: Nach unten links</translation>
+    </message>
+    <message>
+        <source>Direction: Left</source>
+        <translation>Richtung: Nach links</translation>
+    </message>
+    <message>
+        <source>Direction: Up &amp; Left</source>
+        <translation>Richtung: Nach oben links</translation>
+    </message>
+    <message>
+        <source>Position: Top Edge</source>
+        <translation>Position: Oberer Rand</translation>
+    </message>
+    <message>
+        <source>Position: Top Right Corner</source>
+        <translation>Position: Ecke oben rechts</translation>
+    </message>
+    <message>
+        <source>Position: Right Edge</source>
+        <translation>Position: Rechter Rand</translation>
+    </message>
+    <message>
+        <source>Position: Bottom Right Corner</source>
+        <translation>Position: Ecke unten rechts</translation>
+    </message>
+    <message>
+        <source>Position: Bottom Edge</source>
+        <translation>Position: Unterer Rand</translation>
+    </message>
+    <message>
+        <source>Position: Bottom Left Corner</source>
+        <translation>Position: Ecke unten links</translation>
+    </message>
+    <message>
+        <source>Position: Left Edge</source>
+        <translation>Position: Linker Rand</translation>
+    </message>
+    <message>
+        <source>Position: Top Left Corner</source>
+        <translation>Position: Ecke oben links</translation>
+    </message>
+    <message>
+        <source>Position: Center</source>
+        <translation>Position: Mitte</translation>
+    </message>
+    <message>
+        <source>Display: Above</source>
+        <translation>Bildschirm: Darüber</translation>
+    </message>
+    <message>
+        <source>Display: on the Right</source>
+        <translation>Bildschirm: Rechts</translation>
+    </message>
+    <message>
+        <source>Display: Below</source>
+        <translation>Bildschirm: Darunter</translation>
+    </message>
+    <message>
+        <source>Display: on the Left</source>
+        <translation>Bildschirm: Links</translation>
     </message>
 </context>
 <context>
@@ -282,6 +459,53 @@ Verbreitet unter der MIT-Lizenz.</translation>
     </message>
 </context>
 <context>
+    <name>QVCustomControlRowControls</name>
+    <message>
+        <source>Show Details</source>
+        <translation>Details zeigen</translation>
+    </message>
+    <message>
+        <source>Move settings</source>
+        <translation>Einstellungen der Bewegung</translation>
+    </message>
+    <message>
+        <source>Step:</source>
+        <translation>Schritt:</translation>
+    </message>
+    <message>
+        <source>Other display settings</source>
+        <translation>Einstellungen für den anderen Bildschirm</translation>
+    </message>
+    <message>
+        <source>Reposition Proportionally</source>
+        <translation>Proportional versetzen</translation>
+    </message>
+    <message>
+        <source>Loop Through Displays</source>
+        <translation>Bildschirme reihum durchlaufen</translation>
+    </message>
+    <message>
+        <source>Heading settings</source>
+        <translation>Einstellungen der Überschrift</translation>
+    </message>
+    <message>
+        <source>Title:</source>
+        <translation>Titel:</translation>
+    </message>
+    <message>
+        <source>Move to Center</source>
+        <translation>In die Mitte bewegen</translation>
+    </message>
+    <message>
+        <source>Heading</source>
+        <translation>Überschrift</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Keine</translation>
+    </message>
+</context>
+<context>
     <name>QVGeneralPreferencesPage</name>
     <message>
         <source>Start at login</source>
@@ -325,17 +549,52 @@ Verbreitet unter der MIT-Lizenz.</translation>
     </message>
 </context>
 <context>
+    <name>QVHotKeyClearButton</name>
+    <message>
+        <source>Clear hot key</source>
+        <translation>Tastenkürzel löschen</translation>
+    </message>
+</context>
+<context>
+    <name>QVHotKeyTextView</name>
+    <message>
+        <source>Hot key</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Use “%1”?</source>
+        <translation>„%1“ verwenden?</translation>
+    </message>
+    <message>
+        <source>Some applications might not respond properly to your input with the key combination “%1” being reserved as a hot key.</source>
+        <translation>Manche Programme reagieren möglicherweise nicht richtig auf Ihre Eingaben, wenn die Tastenkombination „%1“ als Tastenkürzel reserviert ist.</translation>
+    </message>
+    <message>
+        <source>Use “%1”</source>
+        <translation>„%1“ verwenden</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>“%1” is held by another program.</source>
+        <translation>„%1“ ist von einem anderen Programm belegt.</translation>
+    </message>
+    <message>
+        <source>“%1” is used by “%2”.</source>
+        <translation>„%1“ wird von „%2“ verwendet.</translation>
+    </message>
+    <message>
+        <source>No Shortcut</source>
+        <translation>Kein Tastenkürzel</translation>
+    </message>
+</context>
+<context>
     <name>QVLoginItem</name>
     <message>
         <source>Drive the mouse pointer from the keyboard</source>
         <translation>Den Mauszeiger mit der Tastatur steuern</translation>
-    </message>
-</context>
-<context>
-    <name>QVMainController</name>
-    <message>
-        <source>Corvane Context Menu</source>
-        <translation>Corvane-Kontextmenü</translation>
     </message>
 </context>
 <context>
