@@ -85,8 +85,8 @@ QVActionsPreferencesPage::QVActionsPreferencesPage(
 
 QVActionsPreferencesPage::~QVActionsPreferencesPage()
 {
-    // The rows go before the editor that knows them.
-    m_collectionView->setDelegate(nullptr);
+    // The editor goes first, while the list it keeps the rows of is still there.
+    delete m_editor;
 }
 
 QWidget *QVActionsPreferencesPage::newButtonBar()

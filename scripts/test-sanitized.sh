@@ -6,7 +6,9 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh --tests
 cmake -S . -B build-sanitize -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCORVANE_SANITIZE=ON >/dev/null
-tests=(tst_userdefaults tst_hotkey tst_controls tst_pointer tst_x11_actions tst_x11_input_safety tst_x11_settings)
+# The editor and the hot key field: rows and fields made, deleted and dragged under the mouse.
+tests=(tst_userdefaults tst_hotkey tst_controls tst_pointer tst_x11_actions tst_x11_input_safety tst_x11_settings
+    tst_roworder tst_hotkeytextview tst_actionseditor)
 # Only what these tests run: corvane and the tests themselves.
 cmake --build build-sanitize --parallel "$(nproc)" --target corvane "${tests[@]}"
 cd build-sanitize
