@@ -36,6 +36,12 @@ struct QVPreferencesTestWindow {
                     hotKeys.append(control->hotKey());
             return hotKeys;
         };
+        application.holderTitle = [this](const QVHotKey &hotKey) {
+            for (const QVCustomControlRef &control : manager.controls())
+                if (control->hotKey() && control->hotKey()->isEqualToHotKey(hotKey))
+                    return control->displayTitleWithSuffixes(nullptr);
+            return QString();
+        };
         actions->setUpdatePreferencesWindowFrame([this] { window->updatePreferencesWindowFrame(); });
     }
 

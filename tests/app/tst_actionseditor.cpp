@@ -3,6 +3,7 @@
 #include "QVCustomControlDirectionSelectorView.h"
 #include "QVCustomControlEditor.h"
 #include "QVEditorTestControls.h"
+#include "QVEvent.h"
 #include "QVHotKeyTextView.h"
 #include "QVPreferencesTestWindow.h"
 
@@ -10,6 +11,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QScrollArea>
@@ -39,6 +41,7 @@ private Q_SLOTS:
     void dragReorders();
     void dragScrollsAndKeyCancels();
     void editsAreReported();
+    void refusalIsShownUnderTheList();
     void everyPartIsNamed();
     void screenshots();
 
@@ -377,6 +380,26 @@ void TestActionsEditor::editsAreReported()
     QTest::keyClicks(heading.headerTitleField, QStringLiteral("   "));
     QCOMPARE(editor.manager.controls().at(0)->title(), QString());
     QVERIFY(edited.count() >= 4);
+}
+
+void TestActionsEditor::refusalIsShownUnderTheList()
+{
+    Editor editor(0, QVEditorTestControls());
+    QVHotKeyTextView *field = editor.row(3)->controls().hotKeyTextView;
+    field->beginRecording();
+    QVEvent keyDown;
+    keyDown.type = QVEvent::KeyDown;
+    keyDown.keyCode = 113; // Left, held by "Move Left" with Control and Alt
+    keyDown.modifierFlags = 0x40000 | 0x80000;
+    field->keyDown(keyDown);
+    auto *message = editor.actions->findChild<QLabel *>(QStringLiteral("messageLine"));
+    QCOMPARE(message->text(), QStringLiteral("“^⌥←” is used by “Move Left”."));
+    QVERIFY(field->isRecording()); // refused, still waiting for another
+    QVERIFY(!editor.manager.controls().at(3)->hotKey());
+    keyDown.keyCode = 9; // Escape
+    keyDown.modifierFlags = 0;
+    field->keyDown(keyDown);
+    QVERIFY(!field->isRecording());
 }
 
 void TestActionsEditor::everyPartIsNamed()

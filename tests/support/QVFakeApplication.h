@@ -24,9 +24,14 @@ public:
     QVHotKeyService *hotKeyService() const override { return &platform; }
     QString identifierForHotKeyTextView(QObject *) override { return {}; }
     bool shouldSetHotKey(const QVHotKeyRef &, const QString &) override { return false; }
+    QString titleOfControlHoldingHotKey(const QVHotKey &hotKey) override
+    {
+        return holderTitle ? holderTitle(hotKey) : QString();
+    }
 
     QTemporaryDir directory;
-    QVUserDefaults defaults{directory.filePath(QStringLiteral("settings.json"))};
+    QVUserDefaults defaults { directory.filePath(QStringLiteral("settings.json")) };
     mutable QVFakePlatform platform;
     std::function<QList<QVHotKeyRef>()> hotKeysInUse;
+    std::function<QString(const QVHotKey &)> holderTitle;
 };
