@@ -7,6 +7,7 @@
 #include "QVCustomControlRowOrder.h"
 
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -232,7 +233,10 @@ void QVCustomControlCollectionView::paintEvent(QPaintEvent *event)
 
 void QVCustomControlCollectionView::mousePressEvent(QMouseEvent *event)
 {
-    Q_UNUSED(event);
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
     selectConfigurationView(nullptr, Qt::NoModifier);
     setFocus(Qt::MouseFocusReason);
 }

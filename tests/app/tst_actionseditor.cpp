@@ -189,6 +189,9 @@ void TestActionsEditor::clicksSelect()
     auto *deleteButton = editor.actions->findChild<QAbstractButton *>(QStringLiteral("deleteButton"));
     QCOMPARE(deleteButton->isEnabled(), !after.isEmpty());
 
+    // A right click changes nothing; the list's background and a row's outer margin deselect.
+    QTest::mouseClick(editor.handle(), Qt::RightButton, {}, editor.inWindow(editor.row(2), 2));
+    QCOMPARE(editor.selection(), after);
     // The list's background and a row's outer margin deselect.
     QTest::mouseClick(editor.handle(), Qt::LeftButton, {}, editor.inWindow(editor.row(2), 2));
     QCOMPARE(editor.selection(), QList<int>());
