@@ -30,31 +30,6 @@ constexpr xcb_keycode_t keyK = 45;
 constexpr xcb_keycode_t keyL = 46;
 constexpr int rowCount = 12;
 
-// Answers each alert, once it has the keyboard, with a real key.
-class AlertAnswerer final : public QObject
-{
-public:
-    AlertAnswerer(const QVTestXServer &server, const QString &key)
-    {
-        m_timer.setInterval(20);
-        connect(&m_timer, &QTimer::timeout, this, [this, &server, key] {
-            auto *alert = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            if (!alert || alert == m_answered || !alert->isVisible() || !alert->isActiveWindow())
-                return;
-            m_answered = alert;
-            titles.append(alert->windowTitle());
-            QVERIFY(!server.run(QStringLiteral("xdotool"), { QStringLiteral("key"), key }).isNull());
-        });
-        m_timer.start();
-    }
-
-    QStringList titles;
-
-private:
-    QTimer m_timer;
-    QPointer<QMessageBox> m_answered;
-};
-
 } // namespace
 
 class TestX11HotKeyRecorder final : public QObject
@@ -66,19 +41,132 @@ public:
         : m_server(server)
         , m_platform(platform)
     {
+        // Each alert is answered, once it has the keyboard, with a real key.
+        connect(&m_alertTimer, &QTimer::timeout, this, [this] {
+            auto *alert = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!alert || alert == m_answered || !alert->isVisible() || !alert->isActiveWindow())
+                return;
+            m_answered = alert;
+            m_alertTitles.append(alert->windowTitle());
+            QVERIFY(key(m_alertKey));
+        });
+        m_alertTimer.start(20);
     }
 
 private Q_SLOTS:
     void init();
     void cleanup();
-    void plainCombinationIsRecordedAndThenActs();
-    void alertIsAnsweredWithKeys();
-    void escapeCancelsAndShiftEscapeIsRecorded();
-    void tabIsRecordedAndTheFocusStays();
-    void combinationOfAnotherControlIsRefusedAndDoesNotAct();
-    void combinationGrabbedByAnotherClientIsRefused();
-    void clickOutsideTheWindowEndsRecording();
-    void wheelOverAFieldScrollsTheList();
+
+    void plainCombinationIsRecordedAndThenActs()
+    {
+        QVHotKeyTextView *field = m_fields[0];
+        QCOMPARE(field->text(), QStringLiteral("No Shortcut"));
+        record(QStringLiteral("ctrl+alt+j"));
+        QCOMPARE(field->text(), QStringLiteral("^⌥J"));
+        const QVHotKeyRef hotKey = m_application->controls[0]->hotKey();
+        QCOMPARE(hotKey, field->hotKey());
+        QVERIFY(hotKey->isRegistered());
+        // The sides come from the real key events: xdotool presses the left keys.
+        QCOMPARE(hotKey->modifierFlags() & (DeviceDependentMask | Control | Option),
+            Control | Option | LeftControl | LeftOption);
+
+        // Registered: pressed again, it reaches the hot key path.
+        QVERIFY(key(QStringLiteral("ctrl+alt+j")));
+        QTRY_COMPARE(m_performed, QList<int>({ 0 }));
+
+        // With exact matching the text names the sides.
+        m_defaults->setObject(true, QStringLiteral("Hot Keys Require Exact Modifier Key Matches"));
+        field->hide();
+        field->show();
+        QCOMPARE(field->text(), QStringLiteral("Ⓛ^Ⓛ⌥J"));
+    }
+
+    void alertIsAnsweredWithKeys()
+    {
+        QVHotKeyTextView *field = m_fields[0];
+        record(QStringLiteral("j"));
+        QCOMPARE(m_alertTitles, QStringList(QStringLiteral("Use “J”?")));
+        QCOMPARE(field->hotKey(), QVHotKeyRef());
+        QCOMPARE(field->text(), QStringLiteral("No Shortcut"));
+
+        m_alertKey = QStringLiteral("Return");
+        record(QStringLiteral("F5"));
+        QCOMPARE(m_alertTitles.last(), QStringLiteral("Use “F5”?"));
+        QCOMPARE(field->text(), QStringLiteral("F5"));
+        QVERIFY(field->hotKey()->isRegistered());
+    }
+
+    void escapeCancelsAndShiftEscapeIsRecorded()
+    {
+        QVHotKeyTextView *field = m_fields[0];
+        startRecording();
+        // A modifier key on its own is no candidate.
+        QVERIFY(key(QStringLiteral("shift")));
+        QTest::qWait(200);
+        QVERIFY(field->isRecording());
+        record(QStringLiteral("Escape"));
+        QCOMPARE(field->text(), QStringLiteral("No Shortcut"));
+
+        record(QStringLiteral("shift+Escape"));
+        QCOMPARE(field->text(), QStringLiteral("⇧Escape"));
+        QCOMPARE(m_alertTitles, QStringList());
+    }
+
+    void tabIsRecordedAndTheFocusStays()
+    {
+        QVHotKeyTextView *field = m_fields[0];
+        m_alertKey = QStringLiteral("Return");
+        record(QStringLiteral("shift+Tab"));
+        QCOMPARE(field->text(), QStringLiteral("⇧⇥"));
+        QTRY_COMPARE(QApplication::focusWidget(), field);
+
+        record(QStringLiteral("Tab"));
+        QCOMPARE(m_alertTitles, QStringList(QStringLiteral("Use “⇥”?")));
+        QCOMPARE(field->text(), QStringLiteral("⇥"));
+        QTRY_COMPARE(QApplication::focusWidget(), field);
+        // Tab is now a hot key: it goes to the hot key path, not to the window.
+        QVERIFY(key(QStringLiteral("Tab")));
+        QTRY_COMPARE(m_performed, QList<int>({ 0 }));
+        QCOMPARE(QApplication::focusWidget(), field);
+    }
+
+    void combinationOfAnotherControlIsRefusedAndDoesNotAct()
+    {
+        refused(QStringLiteral("ctrl+alt+k"), QStringLiteral("“^⌥K” is used by “Center”."));
+        record(QStringLiteral("Escape"));
+        QCOMPARE(m_performed, QList<int>());
+        // The other control's hot key still works once the field is idle.
+        QVERIFY(key(QStringLiteral("ctrl+alt+k")));
+        QTRY_COMPARE(m_performed, QList<int>({ 1 }));
+    }
+
+    void combinationGrabbedByAnotherClientIsRefused()
+    {
+        QVERIFY(m_client->grabKey(keyL, XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1));
+        refused(QStringLiteral("ctrl+alt+l"), QStringLiteral("“^⌥L” is held by another program."));
+        QVERIFY2(!m_client->receivedKeyPress(keyL, 200), "Corvane's keyboard grab comes before the other's key grab");
+        record(QStringLiteral("Escape"));
+        QCOMPARE(m_fields[0]->hotKey(), QVHotKeyRef());
+    }
+
+    void clickOutsideTheWindowEndsRecording()
+    {
+        startRecording();
+        QVERIFY(pointAt(QPoint(1200, 750), QStringLiteral("1")));
+        recordingEnds();
+    }
+
+    void wheelOverAFieldScrollsTheList()
+    {
+        QScrollBar *bar = m_scrollArea->verticalScrollBar();
+        QVERIFY(bar->maximum() > 0);
+        QCOMPARE(bar->value(), 0);
+        const QPoint center = m_fields[1]->mapToGlobal(m_fields[1]->rect().center());
+        QVERIFY(pointAt(center));
+        QTRY_COMPARE(QApplication::widgetAt(center), m_fields[1]);
+        QVERIFY(xdotool({ QStringLiteral("click"), QStringLiteral("5") }));
+        QTRY_VERIFY(bar->value() > 0);
+    }
 
 private:
     bool xdotool(const QStringList &arguments) const
@@ -86,14 +174,47 @@ private:
         return !m_server.run(QStringLiteral("xdotool"), arguments).isNull();
     }
     bool key(const QString &combination) const { return xdotool({ QStringLiteral("key"), combination }); }
-    bool clickOn(const QWidget &widget) const
+    // Moves the pointer to a point on the screen, then clicks the button if one is named.
+    bool pointAt(QPoint point, const QString &button = {}) const
     {
-        const QPoint center = widget.mapToGlobal(widget.rect().center());
-        return xdotool({ QStringLiteral("mousemove"), QString::number(center.x()), QString::number(center.y()),
-            QStringLiteral("click"), QStringLiteral("1") });
+        QStringList arguments { QStringLiteral("mousemove"), QString::number(point.x()), QString::number(point.y()) };
+        if (!button.isEmpty())
+            arguments << QStringLiteral("click") << button;
+        return xdotool(arguments);
     }
-    // Clicks the field and waits until it records with the keyboard.
-    void startRecording(int row);
+    // Clicks field 0 and waits until it records with the keyboard.
+    void startRecording()
+    {
+        QVERIFY(pointAt(m_fields[0]->mapToGlobal(m_fields[0]->rect().center()), QStringLiteral("1")));
+        QTRY_VERIFY(m_fields[0]->isRecording());
+        QVERIFY(!m_fields[0]->readsApplicationKeyEvents());
+        QVERIFY2(!keyboardIsFree(), "the keyboard is Corvane's while recording");
+    }
+    // Presses the combination while field 0 records (starting it if need be), until it no longer does.
+    void record(const QString &combination)
+    {
+        if (!m_fields[0]->isRecording())
+            startRecording();
+        QVERIFY(key(combination));
+        recordingEnds();
+    }
+    // Waits until field 0 stops recording; then the keyboard is free again.
+    void recordingEnds()
+    {
+        QTRY_VERIFY(!m_fields[0]->isRecording());
+        QVERIFY2(keyboardIsFree(), "the keyboard is given back");
+    }
+    // The combination pressed while field 0 records is refused with the message; recording goes on.
+    void refused(const QString &combination, const QString &message)
+    {
+        QSignalSpy refusals(m_fields[0], &QVHotKeyTextView::recordingRefused);
+        startRecording();
+        QVERIFY(key(combination));
+        QTRY_COMPARE(refusals.size(), 1);
+        QCOMPARE(refusals.first().first().toString(), message);
+        QVERIFY(m_fields[0]->isRecording());
+        QVERIFY2(!keyboardIsFree(), "the keyboard stays Corvane's");
+    }
     // Whether another client could have the keyboard now (it gives it back at once).
     bool keyboardIsFree() const
     {
@@ -102,8 +223,6 @@ private:
         m_client->ungrabKeyboard();
         return true;
     }
-    // The control whose hot key the presses routed past the field matched.
-    QList<QVCustomControlRepresentation *> m_performed;
 
     const QVTestXServer &m_server;
     QVX11Platform &m_platform;
@@ -115,6 +234,11 @@ private:
     std::unique_ptr<QWidget> m_window;
     QScrollArea *m_scrollArea = nullptr;
     QList<QVHotKeyTextView *> m_fields;
+    QList<int> m_performed; // the rows whose hot key the presses routed past the field matched
+    QTimer m_alertTimer;
+    QPointer<QMessageBox> m_answered;
+    QString m_alertKey; // what answers the alerts
+    QStringList m_alertTitles;
 };
 
 void TestX11HotKeyRecorder::init()
@@ -127,17 +251,19 @@ void TestX11HotKeyRecorder::init()
     m_application = std::make_unique<QVRecorderTestApplication>(m_platform);
     m_client = std::make_unique<QVTestXClient>(m_server.displayName());
     QVERIFY(m_client->isConnected());
+    m_alertKey = QStringLiteral("Escape");
+    m_alertTitles.clear();
     // What the application does with every event from the platform: the route first,
     // then the hot key path (the first control whose hot key matches acts).
     m_performed.clear();
     m_platform.setEventHandler([this](const QVEventRef &event) {
         if (m_route->routeEvent(event) || event->type != QVEvent::SystemDefined)
             return;
-        for (const QVCustomControlRef &control : m_application->controls)
-            if (control->hotKey() && control->hotKey()->matchesEvent(event.get())) {
-                m_performed.append(control.get());
-                return;
-            }
+        for (int row = 0; row < rowCount; ++row) {
+            const QVHotKeyRef &hotKey = m_application->controls[row]->hotKey();
+            if (hotKey && hotKey->matchesEvent(event.get()))
+                return m_performed.append(row);
+        }
     });
 
     // Rows in a short scrolling list: a Move without hot key, a Center holding ^⌥K, then more.
@@ -151,9 +277,7 @@ void TestX11HotKeyRecorder::init()
         auto *button = new QVHotKeyClearButton(content);
         field->setMinimumWidth(160);
         field->setDeleteButton(button);
-        const QVCustomControlRef control
-            = m_application->addControl(row == 1 ? QVAction::MoveToCenter : QVAction::Move);
-        field->setHotKeyDelegate(control.get());
+        field->setHotKeyDelegate(m_application->addControl(row == 1 ? QVAction::MoveToCenter : QVAction::Move).get());
         line->addWidget(field);
         line->addWidget(button);
         rows->addLayout(line);
@@ -184,163 +308,6 @@ void TestX11HotKeyRecorder::cleanup()
     m_application.reset();
     QVUserDefaults::setStandardUserDefaults(nullptr);
     m_defaults.reset();
-}
-
-void TestX11HotKeyRecorder::startRecording(int row)
-{
-    QVERIFY(clickOn(*m_fields[row]));
-    QTRY_VERIFY(m_fields[row]->isRecording());
-    QVERIFY(m_route->isKeyboardTaken());
-    QVERIFY(!m_fields[row]->readsApplicationKeyEvents());
-    QVERIFY2(!keyboardIsFree(), "the keyboard is Corvane's while recording");
-}
-
-void TestX11HotKeyRecorder::plainCombinationIsRecordedAndThenActs()
-{
-    QVHotKeyTextView *field = m_fields[0];
-    QCOMPARE(field->text(), QStringLiteral("No Shortcut"));
-    startRecording(0);
-    QVERIFY(key(QStringLiteral("ctrl+alt+j")));
-    QTRY_VERIFY(!field->isRecording());
-    QCOMPARE(field->text(), QStringLiteral("^⌥J"));
-    const QVHotKeyRef hotKey = m_application->controls[0]->hotKey();
-    QCOMPARE(hotKey, field->hotKey());
-    QVERIFY(hotKey->isRegistered());
-    // The sides come from the real key events: xdotool presses the left keys.
-    QCOMPARE(hotKey->modifierFlags() & (DeviceDependentMask | Control | Option),
-        Control | Option | LeftControl | LeftOption);
-    QVERIFY(keyboardIsFree());
-
-    // Registered: pressed again, it reaches the hot key path.
-    QVERIFY(key(QStringLiteral("ctrl+alt+j")));
-    QTRY_COMPARE(m_performed, QList<QVCustomControlRepresentation *>({ m_application->controls[0].get() }));
-
-    // With exact matching the text names the sides.
-    m_defaults->setObject(true, QStringLiteral("Hot Keys Require Exact Modifier Key Matches"));
-    field->hide();
-    field->show();
-    QCOMPARE(field->text(), QStringLiteral("Ⓛ^Ⓛ⌥J"));
-}
-
-void TestX11HotKeyRecorder::alertIsAnsweredWithKeys()
-{
-    QVHotKeyTextView *field = m_fields[0];
-    {
-        AlertAnswerer cancel(m_server, QStringLiteral("Escape"));
-        startRecording(0);
-        QVERIFY(key(QStringLiteral("j")));
-        QTRY_COMPARE(cancel.titles, QStringList(QStringLiteral("Use “J”?")));
-        QTRY_VERIFY(!field->isRecording());
-        QCOMPARE(field->hotKey(), QVHotKeyRef());
-        QCOMPARE(field->text(), QStringLiteral("No Shortcut"));
-    }
-    AlertAnswerer use(m_server, QStringLiteral("Return"));
-    startRecording(0);
-    QVERIFY(key(QStringLiteral("F5")));
-    QTRY_COMPARE(use.titles, QStringList(QStringLiteral("Use “F5”?")));
-    QTRY_VERIFY(!field->isRecording());
-    QCOMPARE(field->text(), QStringLiteral("F5"));
-    QVERIFY(field->hotKey()->isRegistered());
-    QVERIFY(keyboardIsFree());
-}
-
-void TestX11HotKeyRecorder::escapeCancelsAndShiftEscapeIsRecorded()
-{
-    QVHotKeyTextView *field = m_fields[0];
-    AlertAnswerer answerer(m_server, QStringLiteral("Escape"));
-    startRecording(0);
-    // A modifier key on its own is no candidate.
-    QVERIFY(key(QStringLiteral("shift")));
-    QTest::qWait(200);
-    QVERIFY(field->isRecording());
-    QVERIFY(key(QStringLiteral("Escape")));
-    QTRY_VERIFY(!field->isRecording());
-    QCOMPARE(field->text(), QStringLiteral("No Shortcut"));
-    QVERIFY(keyboardIsFree());
-
-    startRecording(0);
-    QVERIFY(key(QStringLiteral("shift+Escape")));
-    QTRY_VERIFY(!field->isRecording());
-    QCOMPARE(field->text(), QStringLiteral("⇧Escape"));
-    QCOMPARE(answerer.titles, QStringList());
-}
-
-void TestX11HotKeyRecorder::tabIsRecordedAndTheFocusStays()
-{
-    QVHotKeyTextView *field = m_fields[0];
-    AlertAnswerer use(m_server, QStringLiteral("Return"));
-    startRecording(0);
-    QVERIFY(key(QStringLiteral("shift+Tab")));
-    QTRY_VERIFY(!field->isRecording());
-    QCOMPARE(field->text(), QStringLiteral("⇧⇥"));
-    QTRY_COMPARE(QApplication::focusWidget(), field);
-
-    startRecording(0);
-    QVERIFY(key(QStringLiteral("Tab")));
-    QTRY_COMPARE(use.titles, QStringList(QStringLiteral("Use “⇥”?")));
-    QTRY_VERIFY(!field->isRecording());
-    QCOMPARE(field->text(), QStringLiteral("⇥"));
-    QTRY_COMPARE(QApplication::focusWidget(), field);
-    // Tab is now a hot key: it goes to the hot key path, not to the window.
-    QVERIFY(key(QStringLiteral("Tab")));
-    QTRY_COMPARE(m_performed, QList<QVCustomControlRepresentation *>({ m_application->controls[0].get() }));
-    QCOMPARE(QApplication::focusWidget(), field);
-}
-
-void TestX11HotKeyRecorder::combinationOfAnotherControlIsRefusedAndDoesNotAct()
-{
-    QVHotKeyTextView *field = m_fields[0];
-    QSignalSpy refusals(field, &QVHotKeyTextView::recordingRefused);
-    startRecording(0);
-    QVERIFY(key(QStringLiteral("ctrl+alt+k")));
-    QTRY_COMPARE(refusals.size(), 1);
-    QCOMPARE(refusals.first().first().toString(), QStringLiteral("“^⌥K” is used by “Center”."));
-    QVERIFY(field->isRecording());
-    QVERIFY(m_route->isKeyboardTaken());
-    QVERIFY(key(QStringLiteral("Escape")));
-    QTRY_VERIFY(!field->isRecording());
-    QCOMPARE(m_performed, QList<QVCustomControlRepresentation *>());
-    // The other control's hot key still works once the field is idle.
-    QVERIFY(key(QStringLiteral("ctrl+alt+k")));
-    QTRY_COMPARE(m_performed, QList<QVCustomControlRepresentation *>({ m_application->controls[1].get() }));
-}
-
-void TestX11HotKeyRecorder::combinationGrabbedByAnotherClientIsRefused()
-{
-    QVERIFY(m_client->grabKey(keyL, XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1));
-    QVHotKeyTextView *field = m_fields[0];
-    QSignalSpy refusals(field, &QVHotKeyTextView::recordingRefused);
-    startRecording(0);
-    QVERIFY(key(QStringLiteral("ctrl+alt+l")));
-    QTRY_COMPARE(refusals.size(), 1);
-    QCOMPARE(refusals.first().first().toString(), QStringLiteral("“^⌥L” is held by another program."));
-    QVERIFY(field->isRecording());
-    QVERIFY2(!m_client->receivedKeyPress(keyL, 200), "Corvane's keyboard grab comes before the other's key grab");
-    QVERIFY(key(QStringLiteral("Escape")));
-    QTRY_VERIFY(!field->isRecording());
-    QCOMPARE(field->hotKey(), QVHotKeyRef());
-    QVERIFY(keyboardIsFree());
-}
-
-void TestX11HotKeyRecorder::clickOutsideTheWindowEndsRecording()
-{
-    startRecording(0);
-    QVERIFY(xdotool({ QStringLiteral("mousemove"), QStringLiteral("1200"), QStringLiteral("750"),
-        QStringLiteral("click"), QStringLiteral("1") }));
-    QTRY_VERIFY(!m_fields[0]->isRecording());
-    QVERIFY(keyboardIsFree());
-}
-
-void TestX11HotKeyRecorder::wheelOverAFieldScrollsTheList()
-{
-    QScrollBar *bar = m_scrollArea->verticalScrollBar();
-    QVERIFY(bar->maximum() > 0);
-    QCOMPARE(bar->value(), 0);
-    const QPoint center = m_fields[1]->mapToGlobal(m_fields[1]->rect().center());
-    QVERIFY(xdotool({ QStringLiteral("mousemove"), QString::number(center.x()), QString::number(center.y()) }));
-    QTRY_COMPARE(QApplication::widgetAt(center), m_fields[1]);
-    QVERIFY(xdotool({ QStringLiteral("click"), QStringLiteral("5") }));
-    QTRY_VERIFY(bar->value() > 0);
 }
 
 int main(int argc, char *argv[])
