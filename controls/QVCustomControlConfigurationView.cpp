@@ -38,10 +38,9 @@ const QLinearGradient &headerGradient()
 {
     // Made once: every row draws the same band.
     static const QLinearGradient gradient = [] {
-        QLinearGradient band(0, 0, 0, QVCustomControlRowControls::headerHeight);
+        // From the band's bottom edge up, in the band's own coordinates.
+        QLinearGradient band(0, 1, 0, 0);
         band.setCoordinateMode(QGradient::ObjectMode);
-        band.setStart(0, 1);
-        band.setFinalStop(0, 0);
         band.setColorAt(0, QColor::fromRgbF(0, 0, 0, 0));
         band.setColorAt(1, QColor::fromRgbF(0, 0, 0, 0.08f));
         return band;

@@ -70,5 +70,4 @@ private:
     bool m_selected = false;
     QRectF m_moveOriginalFrame;
     QRectF m_moveSortFrame;
-    bool m_loading = false; // controls set from the control, not by the user
 };
