@@ -12,6 +12,9 @@ public:
     virtual QVDisplayList displays() const = 0;
     // The pointer location in window coordinates.
     virtual QVPoint mouseLocation() const = 0;
+    // Whether that location is Corvane's own estimate rather than the window
+    // system's word (Wayland tells no client where the pointer is).
+    virtual bool isMouseLocationApproximate() const { return false; }
 
     struct Snapshot {
         QVDisplayList displays;
@@ -22,5 +25,5 @@ public:
     virtual QVPoint windowSystemPointFromGlobal(const QVPoint &global) const { return global; }
 
     // Both at once, as one consistent reading.
-    virtual Snapshot displaysAndMouseLocation() const { return {displays(), mouseLocation()}; }
+    virtual Snapshot displaysAndMouseLocation() const { return { displays(), mouseLocation() }; }
 };

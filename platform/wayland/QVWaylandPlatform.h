@@ -1,0 +1,62 @@
+#pragma once
+
+#include "QVPlatform.h"
+#include "QVWaylandOutput.h"
+
+#include <QList>
+
+#include <memory>
+
+class QVWaylandConnection;
+class QVWaylandKeyboard;
+class QVWaylandOutputs;
+class QVWaylandPointer;
+struct QVWaylandGlobals;
+
+// The platform port on a wlroots compositor (sway, Hyprland, river, labwc, Wayfire),
+// on a connection of its own: outputs from wl_output and xdg-output, pointer input
+// through a virtual pointer. The compositor grants no global keys to clients and
+// tells none where the pointer is: the hot key service refuses (the compositor's
+// key bindings run corvane --perform instead), and the pointer location is a model.
+class QVWaylandPlatform final : public QVPlatform
+{
+public:
+    // Connects to the compositor named by WAYLAND_DISPLAY, or by socketName. Nothing,
+    // with error set, when there is none or it offers no virtual pointer.
+    static std::unique_ptr<QVWaylandPlatform> open(QString *error, const QString &socketName = QString());
+    ~QVWaylandPlatform() override;
+
+    QVDisplayList displays() const override;
+    QVPoint mouseLocation() const override;
+    bool isMouseLocationApproximate() const override;
+    QVPoint windowSystemPointFromGlobal(const QVPoint &global) const override;
+    bool postMouseMoved(const QVPoint &globalPoint) override;
+    bool postMouseButton(bool down, bool rightButton, bool usePrivateSource) override;
+    std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason) override;
+    void unregisterHotKey(Handle handle) override;
+    RepeatThresholds keyRepeatThresholds() const override;
+    bool takeKeyboard() override;
+    void releaseKeyboard() override;
+    QString charactersIgnoringModifiers(quint16 keyCode) const override;
+    void setEventHandler(EventHandler handler) override;
+    void beep() override;
+    bool isCompositingManagerRunning() const override;
+    void setWindowListedInTaskbar(quintptr window, bool listed) override;
+    void activateWindow(quintptr window) override;
+
+    // The outputs as the compositor describes them, primary first.
+    QList<QVWaylandOutput> outputs() const;
+
+private:
+    explicit QVWaylandPlatform(std::unique_ptr<QVWaylandConnection> connection);
+    bool initialize(QString *error);
+    void processEvents() const;
+
+    std::unique_ptr<QVWaylandConnection> m_connection;
+    std::unique_ptr<QVWaylandGlobals> m_globals;
+    std::unique_ptr<QVWaylandOutputs> m_outputs;
+    std::unique_ptr<QVWaylandPointer> m_pointer;
+    std::unique_ptr<QVWaylandKeyboard> m_keyboard;
+    EventHandler m_handler;
+    bool m_beepLogged = false;
+};

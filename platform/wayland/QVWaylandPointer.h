@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QPoint>
+
+#include <optional>
+
+class QVWaylandConnection;
+class QVWaylandOutputs;
+struct wl_seat;
+struct zwlr_virtual_pointer_manager_v1;
+struct zwlr_virtual_pointer_v1;
+
+// A virtual pointer device (wlroots' protocol) and Corvane's model of where the
+// pointer is: Wayland tells no client the global position, so the model is the
+// last place Corvane put the pointer, or what one of its surfaces learnt since.
+class QVWaylandPointer final
+{
+public:
+    QVWaylandPointer(QVWaylandConnection &connection, const QVWaylandOutputs &outputs);
+    ~QVWaylandPointer();
+    QVWaylandPointer(const QVWaylandPointer &) = delete;
+    QVWaylandPointer &operator=(const QVWaylandPointer &) = delete;
+
+    void create(zwlr_virtual_pointer_manager_v1 *manager, wl_seat *seat);
+    bool isAvailable() const { return m_pointer != nullptr; }
+
+    // Puts the pointer on a pixel of the layout (logical units, y down).
+    bool moveTo(const QPoint &layoutPixel);
+    // BTN_LEFT or BTN_RIGHT pressed or released where the pointer is.
+    bool button(bool down, bool rightButton);
+
+    // The layout pixel the model holds, nothing before Corvane first moved the pointer.
+    std::optional<QPoint> location() const { return m_location; }
+    // What a surface of Corvane's saw: the real position, to take over.
+    void setObservedLocation(const QPoint &layoutPixel) { m_location = layoutPixel; }
+    // The outputs changed: a pointer left beside every output is moved onto the
+    // nearest one by the compositor, and so in the model.
+    void outputsChanged();
+
+private:
+    QVWaylandConnection &m_connection;
+    const QVWaylandOutputs &m_outputs;
+    zwlr_virtual_pointer_v1 *m_pointer = nullptr;
+    std::optional<QPoint> m_location;
+};
