@@ -72,7 +72,7 @@ QString QVTestSway::missingProgram()
     return {};
 }
 
-std::unique_ptr<QVTestSway> QVTestSway::start(bool removableOutput, QString *error)
+std::unique_ptr<QVTestSway> QVTestSway::start(Outputs outputs, QString *error)
 {
     std::unique_ptr<QVTestSway> sway(new QVTestSway);
     if (!sway->m_directory.isValid()
@@ -81,12 +81,13 @@ std::unique_ptr<QVTestSway> QVTestSway::start(bool removableOutput, QString *err
         *error = QStringLiteral("cannot make a temporary folder");
         return nullptr;
     }
-    if (removableOutput && !sway->startXvfb(error))
+    const bool removable = outputs != Outputs::Headless;
+    if (removable && !sway->startXvfb(error))
         return nullptr;
-    if (!sway->startSway(removableOutput, error) || !sway->waitForSocket(error))
+    if (!sway->startSway(outputs, error) || !sway->waitForSocket(error))
         return nullptr;
     // Outputs appear a moment after the socket.
-    const qsizetype expected = removableOutput ? 2 : 1;
+    const qsizetype expected = removable ? 2 : 1;
     QDeadlineTimer deadline(startDeadlineMilliseconds);
     while (sway->outputs().size() < expected) {
         if (deadline.hasExpired()) {
@@ -147,7 +148,7 @@ bool QVTestSway::startXvfb(QString *error)
     return connected;
 }
 
-bool QVTestSway::startSway(bool removableOutput, QString *error)
+bool QVTestSway::startSway(Outputs outputs, QString *error)
 {
     const QString runtime = m_directory.filePath(QStringLiteral("runtime"));
     const QString home = m_directory.filePath(QStringLiteral("home"));
@@ -167,8 +168,11 @@ bool QVTestSway::startSway(bool removableOutput, QString *error)
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
     environment.insert(QStringLiteral("HOME"), home);
     environment.insert(QStringLiteral("SWAYSOCK"), runtime + QStringLiteral("/sway.sock"));
-    environment.insert(
-        QStringLiteral("WLR_BACKENDS"), removableOutput ? QStringLiteral("headless,x11") : QStringLiteral("headless"));
+    // wlroots makes the outputs in the order of its back ends.
+    environment.insert(QStringLiteral("WLR_BACKENDS"),
+        outputs == Outputs::Headless              ? QStringLiteral("headless")
+            : outputs == Outputs::HeadlessThenX11 ? QStringLiteral("headless,x11")
+                                                  : QStringLiteral("x11,headless"));
     environment.insert(QStringLiteral("WLR_HEADLESS_OUTPUTS"), QStringLiteral("1"));
     environment.insert(QStringLiteral("WLR_X11_OUTPUTS"), QStringLiteral("1"));
     environment.insert(QStringLiteral("WLR_LIBINPUT_NO_DEVICES"), QStringLiteral("1"));
@@ -271,21 +275,35 @@ bool QVTestSway::removeX11Output(QString *error) const
     xcb_query_tree_reply_t *tree = xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr);
     const auto freeTree = qScopeGuard([tree] { free(tree); });
     const xcb_window_t *children = tree ? xcb_query_tree_children(tree) : nullptr;
+    xcb_window_t window = XCB_WINDOW_NONE;
     for (int i = 0; tree && i < xcb_query_tree_children_length(tree); ++i) {
-        if (!hasProtocol(connection, children[i], protocols, deleteWindow))
-            continue;
-        xcb_client_message_event_t message = {};
-        message.response_type = XCB_CLIENT_MESSAGE;
-        message.format = 32;
-        message.window = children[i];
-        message.type = protocols;
-        message.data.data32[0] = deleteWindow;
-        xcb_send_event(connection, 0, children[i], XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&message));
-        xcb_flush(connection);
-        return true;
+        if (hasProtocol(connection, children[i], protocols, deleteWindow))
+            window = children[i];
     }
-    *error = QStringLiteral("sway's x11 output window was not found");
-    return false;
+    if (window == XCB_WINDOW_NONE) {
+        *error = QStringLiteral("sway's x11 output window was not found");
+        return false;
+    }
+    xcb_client_message_event_t message = {};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = protocols;
+    message.data.data32[0] = deleteWindow;
+    // wlroots may read the message into its queue while waiting for a reply and then
+    // sleep until the socket has news: another message wakes it (and finds no window).
+    const qsizetype before = outputs().size();
+    QDeadlineTimer deadline(startDeadlineMilliseconds);
+    while (outputs().size() == before) {
+        if (deadline.hasExpired()) {
+            *error = QStringLiteral("sway kept its x11 output:\n%1").arg(log());
+            return false;
+        }
+        xcb_send_event(connection, 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&message));
+        xcb_flush(connection);
+        QThread::msleep(50);
+    }
+    return true;
 }
 
 QString QVTestSway::log() const

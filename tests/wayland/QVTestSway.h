@@ -15,11 +15,14 @@
 class QVTestSway final
 {
 public:
+    // The outputs at start: one headless output (HEADLESS-1), or that and one of the
+    // x11 back end on a private Xvfb (X11-1), which removeX11Output ends; the first
+    // is the output sway offers first.
+    enum class Outputs { Headless, HeadlessThenX11, X11ThenHeadless };
+
     // A program the rig needs and cannot find, or a null string.
     static QString missingProgram();
-    // sway with one headless output (HEADLESS-1), and with removableOutput also one
-    // output of its x11 back end on a private Xvfb (X11-1), which removeX11Output ends.
-    static std::unique_ptr<QVTestSway> start(bool removableOutput, QString *error);
+    static std::unique_ptr<QVTestSway> start(Outputs outputs, QString *error);
     ~QVTestSway();
 
     // WAYLAND_DISPLAY and XDG_RUNTIME_DIR for a client of this compositor.
@@ -38,7 +41,7 @@ public:
 private:
     QVTestSway() = default;
     bool startXvfb(QString *error);
-    bool startSway(bool removableOutput, QString *error);
+    bool startSway(Outputs outputs, QString *error);
     bool waitForSocket(QString *error);
     QString swaymsg(const QStringList &arguments, bool *ok) const;
     static void stop(QProcess &process);

@@ -390,6 +390,17 @@ void globalRemoved(void *data, wl_registry *, uint32_t name)
         say("removed %s", output.name.c_str());
         if (probe->pointerOutput == &output)
             probe->pointerOutput = nullptr;
+        // The window goes with its output: its listeners point into this record.
+        if (output.toplevel) {
+            xdg_toplevel_destroy(output.toplevel);
+            xdg_surface_destroy(output.xdgSurface);
+            wl_surface_destroy(output.surface);
+        }
+        if (output.buffer)
+            wl_buffer_destroy(output.buffer);
+        if (output.xdgOutput)
+            zxdg_output_v1_destroy(output.xdgOutput);
+        wl_output_destroy(output.output);
         return true;
     });
 }
