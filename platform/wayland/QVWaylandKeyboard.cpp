@@ -3,6 +3,8 @@
 #include "QVWaylandConnection.h"
 #include "virtual-keyboard-unstable-v1-client-protocol.h"
 
+#include <QTimer>
+
 #include <wayland-client.h>
 #include <xkbcommon/xkbcommon.h>
 
@@ -15,6 +17,16 @@ namespace
 // wlroots' defaults, which sway keeps unless configured otherwise.
 constexpr int defaultRepeatRate = 25;
 constexpr int defaultRepeatDelay = 600;
+constexpr quint32 evdevToX = 8; // X key codes are the kernel's plus 8, as xkb's are
+
+// Keys that change modifiers rather than type: Shift_L ... Hyper_R, the ISO level
+// and group keys, Mode_switch and Num_Lock.
+bool isModifierSymbol(xkb_keysym_t symbol)
+{
+    return (symbol >= XKB_KEY_Shift_L && symbol <= XKB_KEY_Hyper_R)
+        || (symbol >= XKB_KEY_ISO_Lock && symbol <= XKB_KEY_ISO_Level5_Lock) || symbol == XKB_KEY_Mode_switch
+        || symbol == XKB_KEY_Num_Lock;
+}
 
 QVWaylandKeyboard *keyboardOf(void *data)
 {
@@ -36,12 +48,15 @@ void keymapReceived(void *data, wl_keyboard *, uint32_t format, int32_t fd, uint
 }
 
 void keyboardEntered(void *, wl_keyboard *, uint32_t, wl_surface *, wl_array *) { }
-// Away from Corvane's surfaces the compositor tells no more: what it told goes stale.
 void keyboardLeft(void *data, wl_keyboard *, uint32_t, wl_surface *)
 {
-    keyboardOf(data)->forgetModifiers();
+    keyboardOf(data)->focusLeft();
 }
-void keyChanged(void *, wl_keyboard *, uint32_t, uint32_t, uint32_t, uint32_t) { }
+
+void keyChanged(void *data, wl_keyboard *, uint32_t, uint32_t, uint32_t key, uint32_t state)
+{
+    keyboardOf(data)->keyChanged(key, state == WL_KEYBOARD_KEY_STATE_PRESSED);
+}
 
 void modifiersChanged(
     void *data, wl_keyboard *, uint32_t, uint32_t depressed, uint32_t latched, uint32_t locked, uint32_t group)
@@ -61,15 +76,6 @@ const wl_keyboard_listener keyboardListener = { .keymap = keymapReceived,
     .modifiers = modifiersChanged,
     .repeat_info = repeatInfo };
 
-void seatCapabilities(void *data, wl_seat *, uint32_t capabilities)
-{
-    keyboardOf(data)->setCapabilities(capabilities);
-}
-
-void seatName(void *, wl_seat *, const char *) { }
-
-const wl_seat_listener seatListener = { .capabilities = seatCapabilities, .name = seatName };
-
 int sharedMemory(const QByteArray &contents)
 {
     const int fd = memfd_create("corvane-keymap", MFD_CLOEXEC);
@@ -85,7 +91,9 @@ int sharedMemory(const QByteArray &contents)
 QVWaylandKeyboard::QVWaylandKeyboard(QVWaylandConnection &connection)
     : m_connection(connection)
     , m_xkb(xkb_context_new(XKB_CONTEXT_NO_FLAGS))
+    , m_repeatTimer(std::make_unique<QTimer>())
 {
+    QObject::connect(m_repeatTimer.get(), &QTimer::timeout, m_repeatTimer.get(), [this] { repeatKey(); });
 }
 
 QVWaylandKeyboard::~QVWaylandKeyboard()
@@ -95,12 +103,6 @@ QVWaylandKeyboard::~QVWaylandKeyboard()
     setCapabilities(0);
     xkb_keymap_unref(m_keymap);
     xkb_context_unref(m_xkb);
-}
-
-void QVWaylandKeyboard::setSeat(wl_seat *seat)
-{
-    m_seat = seat;
-    wl_seat_add_listener(seat, &seatListener, this);
 }
 
 void QVWaylandKeyboard::setCapabilities(quint32 capabilities)
@@ -115,6 +117,7 @@ void QVWaylandKeyboard::setCapabilities(quint32 capabilities)
         else
             wl_keyboard_destroy(m_keyboard);
         m_keyboard = nullptr;
+        focusLeft();
     }
 }
 
@@ -215,4 +218,58 @@ void QVWaylandKeyboard::restoreModifiers()
         return;
     sendModifiers(*m_modifiers);
     m_connection.flush();
+}
+
+void QVWaylandKeyboard::focusLeft()
+{
+    m_modifiers.reset();
+    m_repeatTimer->stop();
+    m_repeatingKey = 0;
+}
+
+QVEventRef QVWaylandKeyboard::keyDownEvent(quint32 keyCode) const
+{
+    auto event = std::make_shared<QVEvent>();
+    event->type = QVEvent::KeyDown;
+    event->keyCode = quint16(keyCode);
+    // The real modifiers keep X's bit order in every xkb key map.
+    const Modifiers held = m_modifiers.value_or(Modifiers {});
+    event->modifierFlags = QVModifierFlagsForXState(held.depressed | held.latched | held.locked);
+    event->charactersIgnoringModifiers = charactersIgnoringModifiers(quint16(keyCode));
+    const xkb_keysym_t *symbols = nullptr;
+    event->isModifierKey = keymap() && xkb_keymap_key_get_syms_by_level(keymap(), keyCode, 0, 0, &symbols) > 0
+        && isModifierSymbol(symbols[0]);
+    return event;
+}
+
+void QVWaylandKeyboard::keyChanged(quint32 key, bool pressed)
+{
+    const quint32 keyCode = key + evdevToX;
+    if (!pressed) {
+        if (keyCode == m_repeatingKey) {
+            m_repeatTimer->stop();
+            m_repeatingKey = 0;
+        }
+        return;
+    }
+    const QVEventRef event = keyDownEvent(keyCode);
+    // Wayland leaves repetition to the client, and a new key ends the last one's.
+    m_repeatTimer->stop();
+    m_repeatingKey = 0;
+    const QVKeyboardService::RepeatThresholds thresholds = repeatThresholds();
+    const bool repeats = !(m_repeat && m_repeat->rate == 0) && !event->isModifierKey && keymap()
+        && xkb_keymap_key_repeats(keymap(), keyCode);
+    if (repeats) {
+        m_repeatingKey = keyCode;
+        m_repeatTimer->start(qRound(thresholds.initialTicks * 1000.0 / 60.0));
+    }
+    if (m_keyHandler)
+        m_keyHandler(event);
+}
+
+void QVWaylandKeyboard::repeatKey()
+{
+    m_repeatTimer->setInterval(qMax(1, qRound(repeatThresholds().repeatTicks * 1000.0 / 60.0)));
+    if (m_keyHandler && m_repeatingKey)
+        m_keyHandler(keyDownEvent(m_repeatingKey));
 }

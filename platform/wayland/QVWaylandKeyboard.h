@@ -1,12 +1,16 @@
 #pragma once
 
+#include "QVEvent.h"
 #include "QVKeyboardService.h"
 
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+#include <memory>
 #include <optional>
 
+class QTimer;
 class QVWaylandConnection;
 struct wl_keyboard;
 struct wl_seat;
@@ -15,8 +19,9 @@ struct xkb_keymap;
 struct zwp_virtual_keyboard_manager_v1;
 struct zwp_virtual_keyboard_v1;
 
-// The seat's keyboard as a client sees it (repeat settings, key map), and a virtual
-// keyboard of Corvane's that keeps the user's held modifiers off its clicks.
+// The seat's keyboard as a client sees it (repeat settings, key map, the keys typed
+// into Corvane's own surfaces), and a virtual keyboard of Corvane's that keeps the
+// user's held modifiers off its clicks.
 class QVWaylandKeyboard final
 {
 public:
@@ -25,8 +30,10 @@ public:
     QVWaylandKeyboard(const QVWaylandKeyboard &) = delete;
     QVWaylandKeyboard &operator=(const QVWaylandKeyboard &) = delete;
 
-    // Follows the seat's devices: its keyboard, while it has one.
-    void setSeat(wl_seat *seat);
+    void setSeat(wl_seat *seat) { m_seat = seat; }
+    // Receives a key-down event for every key typed into a surface of Corvane's,
+    // repeated while held as the compositor's repeat settings say.
+    void setKeyHandler(std::function<void(const QVEventRef &)> handler) { m_keyHandler = std::move(handler); }
     void setVirtualKeyboardManager(zwp_virtual_keyboard_manager_v1 *manager) { m_manager = manager; }
 
     // The compositor's repeat delay and rate, or its usual defaults without a keyboard.
@@ -53,12 +60,16 @@ public:
     void setKeymap(QByteArray text);
     void setRepeat(int rate, int delay) { m_repeat = { rate, delay }; }
     void setModifiers(const Modifiers &modifiers) { m_modifiers = modifiers; }
-    void forgetModifiers() { m_modifiers.reset(); }
+    // The keyboard left Corvane's surfaces: what the compositor told goes stale.
+    void focusLeft();
+    void keyChanged(quint32 key, bool pressed);
     void setCapabilities(quint32 capabilities);
 
 private:
     xkb_keymap *keymap() const;
     void sendModifiers(const Modifiers &modifiers);
+    QVEventRef keyDownEvent(quint32 keyCode) const;
+    void repeatKey();
 
     QVWaylandConnection &m_connection;
     wl_seat *m_seat = nullptr;
@@ -74,5 +85,8 @@ private:
     };
     std::optional<Repeat> m_repeat;
     std::optional<Modifiers> m_modifiers; // the seat's, while Corvane has the keyboard
+    std::function<void(const QVEventRef &)> m_keyHandler;
+    std::unique_ptr<QTimer> m_repeatTimer;
+    quint32 m_repeatingKey = 0; // an X key code, 0 for none
     Modifiers m_sent; // the state of Corvane's own keyboard
 };

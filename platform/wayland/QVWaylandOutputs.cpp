@@ -204,6 +204,39 @@ QList<QVWaylandOutput> QVWaylandOutputs::outputs() const
     return outputs;
 }
 
+std::optional<QVWaylandOutput> QVWaylandOutputs::describe(wl_output *output) const
+{
+    for (const Record *record : completeRecords()) {
+        if (record->output == output) {
+            QVWaylandOutput description = record->description;
+            description.logical = record->logical();
+            return description;
+        }
+    }
+    return std::nullopt;
+}
+
+wl_output *QVWaylandOutputs::outputNamed(const QString &name, QVWaylandOutput *description) const
+{
+    for (const Record *record : completeRecords()) {
+        if (record->description.name == name) {
+            if (description)
+                *description = *describe(record->output);
+            return record->output;
+        }
+    }
+    return nullptr;
+}
+
+wl_output *QVWaylandOutputs::outputOfGlobal(quint32 globalName) const
+{
+    for (const std::unique_ptr<Record> &record : m_records) {
+        if (record->globalName == globalName)
+            return record->output;
+    }
+    return nullptr;
+}
+
 QVDisplayList QVWaylandOutputs::displays() const
 {
     const QList<QVWaylandOutput> all = outputs();

@@ -9,8 +9,10 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
+struct wl_output;
 struct zxdg_output_manager_v1;
 
 // The compositor's outputs (wl_output with xdg-output's logical place), kept current
@@ -33,6 +35,10 @@ public:
 
     // The outputs whose description is complete, primary first.
     QList<QVWaylandOutput> outputs() const;
+    // The output of that name, or of that global, and how it is described.
+    wl_output *outputNamed(const QString &name, QVWaylandOutput *description = nullptr) const;
+    wl_output *outputOfGlobal(quint32 globalName) const;
+    std::optional<QVWaylandOutput> describe(wl_output *output) const;
     // The same in window coordinates (y up, origin at the primary's lower left).
     QVDisplayList displays() const;
     // The smallest rectangle holding every output.

@@ -3,16 +3,25 @@
 #include "QVLog.h"
 #include "QVWaylandConnection.h"
 #include "QVWaylandKeyboard.h"
+#include "QVWaylandLayerSurface.h"
 #include "QVWaylandOutputs.h"
 #include "QVWaylandPointer.h"
+#include "QVWaylandSeat.h"
 #include "virtual-keyboard-unstable-v1-client-protocol.h"
+#include "wlr-layer-shell-unstable-v1-client-protocol.h"
 #include "wlr-virtual-pointer-unstable-v1-client-protocol.h"
 #include "xdg-output-unstable-v1-client-protocol.h"
 
 #include <wayland-client.h>
 
+#include <algorithm>
+#include <cmath>
+
 // The compositor's single objects that Corvane binds, released before the connection goes.
 struct QVWaylandGlobals {
+    wl_compositor *compositor = nullptr;
+    wl_shm *shm = nullptr;
+    zwlr_layer_shell_v1 *layerShell = nullptr;
     wl_seat *seat = nullptr;
     zxdg_output_manager_v1 *outputManager = nullptr;
     zwlr_virtual_pointer_manager_v1 *pointerManager = nullptr;
@@ -20,6 +29,12 @@ struct QVWaylandGlobals {
 
     ~QVWaylandGlobals()
     {
+        if (layerShell)
+            zwlr_layer_shell_v1_destroy(layerShell);
+        if (shm)
+            wl_shm_destroy(shm);
+        if (compositor)
+            wl_compositor_destroy(compositor);
         if (keyboardManager)
             zwp_virtual_keyboard_manager_v1_destroy(keyboardManager);
         if (pointerManager)
@@ -50,42 +65,89 @@ QVWaylandPlatform::QVWaylandPlatform(std::unique_ptr<QVWaylandConnection> connec
     , m_outputs(std::make_unique<QVWaylandOutputs>(*m_connection))
     , m_pointer(std::make_unique<QVWaylandPointer>(*m_connection, *m_outputs))
     , m_keyboard(std::make_unique<QVWaylandKeyboard>(*m_connection))
+    , m_seat(std::make_unique<QVWaylandSeat>(*m_keyboard))
 {
 }
 
 QVWaylandPlatform::~QVWaylandPlatform()
 {
     // Devices and outputs before the globals they were made from.
+    for (QVWaylandLayerSurface *overlay : std::as_const(m_overlays))
+        overlay->setDestroyedListener(nullptr);
+    m_seat.reset();
     m_keyboard.reset();
     m_pointer.reset();
     m_outputs.reset();
     m_globals.reset();
 }
 
+void QVWaylandPlatform::bindGlobal(const QByteArray &kind, quint32 name, quint32 version)
+{
+    QVWaylandGlobals &globals = *m_globals;
+    const QVWaylandConnection::Global global { name, kind, version };
+    const auto bind = [this, &global](const wl_interface *interface, quint32 wanted) {
+        return m_connection->bind(global, interface, wanted);
+    };
+    if (kind == wl_output_interface.name) {
+        m_outputs->addOutput(global);
+    } else if (kind == wl_seat_interface.name && !globals.seat) {
+        globals.seat = static_cast<wl_seat *>(bind(&wl_seat_interface, 5));
+        m_seat->setSeat(globals.seat);
+    } else if (kind == wl_compositor_interface.name && !globals.compositor) {
+        // Version 4 takes damage in buffer pixels.
+        globals.compositor = static_cast<wl_compositor *>(bind(&wl_compositor_interface, 4));
+    } else if (kind == wl_shm_interface.name && !globals.shm) {
+        globals.shm = static_cast<wl_shm *>(bind(&wl_shm_interface, 1));
+    } else if (kind == zwlr_layer_shell_v1_interface.name && !globals.layerShell) {
+        globals.layerShell = static_cast<zwlr_layer_shell_v1 *>(bind(&zwlr_layer_shell_v1_interface, 1));
+    } else if (kind == zxdg_output_manager_v1_interface.name && !globals.outputManager) {
+        globals.outputManager = static_cast<zxdg_output_manager_v1 *>(bind(&zxdg_output_manager_v1_interface, 3));
+        m_outputs->setManager(globals.outputManager);
+    } else if (kind == zwlr_virtual_pointer_manager_v1_interface.name && !globals.pointerManager) {
+        globals.pointerManager
+            = static_cast<zwlr_virtual_pointer_manager_v1 *>(bind(&zwlr_virtual_pointer_manager_v1_interface, 1));
+    } else if (kind == zwp_virtual_keyboard_manager_v1_interface.name && !globals.keyboardManager) {
+        globals.keyboardManager
+            = static_cast<zwp_virtual_keyboard_manager_v1 *>(bind(&zwp_virtual_keyboard_manager_v1_interface, 1));
+        m_keyboard->setVirtualKeyboardManager(globals.keyboardManager);
+    }
+}
+
+void QVWaylandPlatform::outputRemoved(quint32 globalName)
+{
+    // An overlay on it hides for good before its output's object goes.
+    if (wl_output *output = m_outputs->outputOfGlobal(globalName)) {
+        for (QVWaylandLayerSurface *overlay : std::as_const(m_overlays)) {
+            if (overlay->output() == output)
+                overlay->outputGone();
+        }
+    }
+    m_outputs->removeOutput(globalName);
+}
+
 bool QVWaylandPlatform::initialize(QString *error)
 {
     QVWaylandGlobals &globals = *m_globals;
-    const auto added = [this, &globals](const QVWaylandConnection::Global &global) {
-        const QByteArray &kind = global.interface;
-        if (kind == wl_output_interface.name) {
-            m_outputs->addOutput(global);
-        } else if (kind == wl_seat_interface.name && !globals.seat) {
-            globals.seat = static_cast<wl_seat *>(m_connection->bind(global, &wl_seat_interface, 5));
-            m_keyboard->setSeat(globals.seat);
-        } else if (kind == zxdg_output_manager_v1_interface.name && !globals.outputManager) {
-            globals.outputManager = static_cast<zxdg_output_manager_v1 *>(
-                m_connection->bind(global, &zxdg_output_manager_v1_interface, 3));
-            m_outputs->setManager(globals.outputManager);
-        } else if (kind == zwlr_virtual_pointer_manager_v1_interface.name && !globals.pointerManager) {
-            globals.pointerManager = static_cast<zwlr_virtual_pointer_manager_v1 *>(
-                m_connection->bind(global, &zwlr_virtual_pointer_manager_v1_interface, 1));
-        } else if (kind == zwp_virtual_keyboard_manager_v1_interface.name && !globals.keyboardManager) {
-            globals.keyboardManager = static_cast<zwp_virtual_keyboard_manager_v1 *>(
-                m_connection->bind(global, &zwp_virtual_keyboard_manager_v1_interface, 1));
-            m_keyboard->setVirtualKeyboardManager(globals.keyboardManager);
-        }
-    };
-    m_connection->setGlobalListeners(added, [this](quint32 name) { m_outputs->removeOutput(name); });
+    m_connection->setGlobalListeners(
+        [this](
+            const QVWaylandConnection::Global &global) { bindGlobal(global.interface, global.name, global.version); },
+        [this](quint32 name) { outputRemoved(name); });
+    m_seat->setPointerListener(
+        { [this](wl_surface *surface, const QPointF &position) { pointerOnSurface(surface, position); },
+            [this](wl_surface *surface, bool pressed) {
+                // A click on the overlay, as a click elsewhere on X11: whoever has the keyboard lets go.
+                if (!pressed || !overlayOf(surface))
+                    return;
+                auto click = std::make_shared<QVEvent>();
+                click->type = QVEvent::LeftMouseDown;
+                click->location = mouseLocation();
+                deliver(click);
+            } });
+    m_keyboard->setKeyHandler([this](const QVEventRef &event) {
+        auto located = std::make_shared<QVEvent>(*event);
+        located->location = mouseLocation();
+        deliver(located);
+    });
     m_outputs->setChangeListener([this] {
         m_pointer->outputsChanged();
         QVDebugLog(QStringLiteral("Wayland outputs: %1").arg(m_outputs->outputs().size()));
@@ -189,8 +251,9 @@ QVKeyboardService::RepeatThresholds QVWaylandPlatform::keyRepeatThresholds() con
 
 bool QVWaylandPlatform::takeKeyboard()
 {
-    // Comes with the overlay's layer surface, which asks for the keyboard itself.
-    return false;
+    // An overlay surface asks for the keyboard itself when it shows.
+    return std::any_of(m_overlays.cbegin(), m_overlays.cend(),
+        [](const QVWaylandLayerSurface *overlay) { return overlay->takesKeyboard(); });
 }
 
 void QVWaylandPlatform::releaseKeyboard() { }
@@ -203,6 +266,52 @@ QString QVWaylandPlatform::charactersIgnoringModifiers(quint16 keyCode) const
 void QVWaylandPlatform::setEventHandler(EventHandler handler)
 {
     m_handler = std::move(handler);
+}
+
+void QVWaylandPlatform::deliver(const QVEventRef &event)
+{
+    if (m_handler)
+        m_handler(event);
+}
+
+std::unique_ptr<QVOverlaySurface> QVWaylandPlatform::createOverlaySurface(const QVDisplay &display, bool takesKeyboard)
+{
+    processEvents();
+    const QVWaylandGlobals &globals = *m_globals;
+    QVWaylandOutput description;
+    wl_output *output = m_outputs->outputNamed(display.name, &description);
+    if (!globals.layerShell || !globals.compositor || !globals.shm || !output) {
+        QVLog(QStringLiteral("no overlay on display \"%1\": the compositor offers no layer shell or no such output")
+                  .arg(display.name));
+        return nullptr;
+    }
+    auto overlay = std::make_unique<QVWaylandLayerSurface>(*m_connection,
+        QVWaylandLayerSurface::Shell { globals.compositor, globals.shm, globals.layerShell }, output,
+        description.logical.size(), description.scale, takesKeyboard);
+    QVWaylandLayerSurface *registered = overlay.get();
+    m_overlays.append(registered);
+    overlay->setDestroyedListener([this, registered] { m_overlays.removeOne(registered); });
+    return overlay;
+}
+
+QVWaylandLayerSurface *QVWaylandPlatform::overlayOf(wl_surface *surface) const
+{
+    for (QVWaylandLayerSurface *overlay : m_overlays) {
+        if (surface && overlay->surface() == surface)
+            return overlay;
+    }
+    return nullptr;
+}
+
+void QVWaylandPlatform::pointerOnSurface(wl_surface *surface, const QPointF &position)
+{
+    // The one place Wayland tells where the pointer is: the model takes it over.
+    const QVWaylandLayerSurface *overlay = overlayOf(surface);
+    const std::optional<QVWaylandOutput> output = overlay ? m_outputs->describe(overlay->output()) : std::nullopt;
+    if (output) {
+        const QPointF layout = position + QPointF(output->logical.topLeft());
+        m_pointer->setObservedLocation(QPoint(int(std::floor(layout.x())), int(std::floor(layout.y()))));
+    }
 }
 
 void QVWaylandPlatform::beep()

@@ -4,14 +4,18 @@
 #include "QVWaylandOutput.h"
 
 #include <QList>
+#include <QPointF>
 
 #include <memory>
 
 class QVWaylandConnection;
 class QVWaylandKeyboard;
+class QVWaylandLayerSurface;
 class QVWaylandOutputs;
 class QVWaylandPointer;
+class QVWaylandSeat;
 struct QVWaylandGlobals;
+struct wl_surface;
 
 // The platform port on a wlroots compositor (sway, Hyprland, river, labwc, Wayfire),
 // on a connection of its own: outputs from wl_output and xdg-output, pointer input
@@ -41,6 +45,9 @@ public:
     void setEventHandler(EventHandler handler) override;
     void beep() override;
     bool isCompositingManagerRunning() const override;
+    // A layer-shell surface on the display's output; nothing without layer shell.
+    // It must go before the platform does.
+    std::unique_ptr<QVOverlaySurface> createOverlaySurface(const QVDisplay &display, bool takesKeyboard) override;
     void setWindowListedInTaskbar(quintptr window, bool listed) override;
     void activateWindow(quintptr window) override;
 
@@ -50,13 +57,20 @@ public:
 private:
     explicit QVWaylandPlatform(std::unique_ptr<QVWaylandConnection> connection);
     bool initialize(QString *error);
+    void bindGlobal(const QByteArray &interface, quint32 name, quint32 version);
+    void outputRemoved(quint32 globalName);
     void processEvents() const;
+    QVWaylandLayerSurface *overlayOf(wl_surface *surface) const;
+    void pointerOnSurface(wl_surface *surface, const QPointF &position);
+    void deliver(const QVEventRef &event);
 
     std::unique_ptr<QVWaylandConnection> m_connection;
     std::unique_ptr<QVWaylandGlobals> m_globals;
     std::unique_ptr<QVWaylandOutputs> m_outputs;
     std::unique_ptr<QVWaylandPointer> m_pointer;
     std::unique_ptr<QVWaylandKeyboard> m_keyboard;
+    std::unique_ptr<QVWaylandSeat> m_seat;
+    QList<QVWaylandLayerSurface *> m_overlays; // owned by whoever asked for them
     EventHandler m_handler;
     bool m_beepLogged = false;
 };
