@@ -1,8 +1,6 @@
 // The Wayland back end against headless sway 1.7, in this process, with the probe
 // client reporting what reaches its full-screen window on every output.
-#include "QVTestSway.h"
-#include "QVTestWaylandProbe.h"
-#include "QVWaylandPlatform.h"
+#include "QVTestWaylandSession.h"
 
 #include <QtTest>
 
@@ -13,14 +11,9 @@ namespace
 
 using Outputs = QVTestSway::Outputs;
 
-// The primary 1792x1080 at the origin and, to its right, 2560x1440 pixels at scale
-// 2 turned by 90 degrees: 720x1280 logical units, reaching 200 below the primary.
-// At 1792 of the layout's 2512 units, aiming at a pixel's edge lands a rounding
-// error short of it, on the primary.
 QStringList scaledAndTurned()
 {
-    return { QStringLiteral("output HEADLESS-1 resolution 1792x1080 position 0 0 scale 1"),
-        QStringLiteral("output X11-1 resolution 2560x1440 position 1792 0 scale 2 transform 90") };
+    return QVTestWaylandSession::scaledAndTurned();
 }
 
 QStringList describe(const QVDisplayList &displays)
@@ -47,10 +40,9 @@ QStringList describe(const QList<QVWaylandOutput> &outputs)
     return lines;
 }
 
-// What the probe prints when the pointer reaches a pixel of an output's window.
 QString pointerAt(const QString &output, const QPoint &pixel)
 {
-    return QStringLiteral("(enter|motion) %1 %2\\.\\d+ %3\\.\\d+").arg(output).arg(pixel.x()).arg(pixel.y());
+    return QVTestWaylandSession::pointerAt(output, pixel);
 }
 
 } // namespace
@@ -79,15 +71,12 @@ private Q_SLOTS:
     void compositorGoneMidway();
 
 private:
-    // sway with its outputs set by the commands, the probe, and the platform, kept
-    // for the next row when it asks for the same.
-    bool setUp(Outputs outputs, const QStringList &commands, bool withProbe = true);
-    bool park(const QVPoint &global, const QString &output, const QPoint &pixel);
+    bool setUp(Outputs outputs, const QStringList &commands, bool withProbe = true)
+    {
+        return m_session.setUp(outputs, commands, withProbe, &m_error);
+    }
 
-    std::unique_ptr<QVTestSway> m_sway;
-    std::unique_ptr<QVTestWaylandProbe> m_probe;
-    std::unique_ptr<QVWaylandPlatform> m_platform;
-    QString m_setUpKey;
+    QVTestWaylandSession m_session;
     QString m_error;
 };
 
@@ -101,55 +90,8 @@ void TestWaylandPlatform::initTestCase()
 void TestWaylandPlatform::cleanup()
 {
     // A failed row leaves its rig to nobody.
-    if (QTest::currentTestFailed()) {
-        m_platform.reset();
-        m_probe.reset();
-        m_sway.reset();
-        m_setUpKey.clear();
-    }
-}
-
-bool TestWaylandPlatform::setUp(Outputs outputs, const QStringList &commands, bool withProbe)
-{
-    const QString key = QString::number(int(outputs)) + commands.join(QLatin1Char(';')) + QString::number(withProbe);
-    if (key == m_setUpKey && m_platform)
-        return true;
-    m_platform.reset();
-    m_probe.reset();
-    m_sway = QVTestSway::start(outputs, &m_error);
-    m_setUpKey.clear();
-    if (!m_sway)
-        return false;
-    for (const QString &command : commands) {
-        if (!m_sway->command(command, &m_error))
-            return false;
-    }
-    if (withProbe) {
-        m_probe = std::make_unique<QVTestWaylandProbe>(m_sway->clientEnvironment());
-        for (qsizetype i = 0; i < m_sway->outputs().size(); ++i) {
-            if (!m_probe->waitFor(QStringLiteral("configured .*")).hasMatch()) {
-                m_error = QStringLiteral("the probe has no window on every output");
-                return false;
-            }
-        }
-    }
-    // As the composition root opens it: through the environment.
-    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_sway->runtimeDirectory()));
-    qputenv("WAYLAND_DISPLAY", m_sway->socketName().toUtf8());
-    m_platform = QVWaylandPlatform::open(&m_error);
-    if (m_platform)
-        m_setUpKey = key;
-    return m_platform != nullptr;
-}
-
-// Puts the pointer somewhere known, so that the next motion is a change the probe
-// reports. A motion to where the pointer is already is no change: one pixel aside first.
-bool TestWaylandPlatform::park(const QVPoint &global, const QString &output, const QPoint &pixel)
-{
-    m_probe->skipAll();
-    return m_platform->postMouseMoved({ global.x + 1, global.y })
-        && m_probe->waitFor(pointerAt(output, pixel + QPoint(1, 0))).hasMatch() && m_platform->postMouseMoved(global)
-        && m_probe->waitFor(pointerAt(output, pixel)).hasMatch();
+    if (QTest::currentTestFailed())
+        m_session.reset();
 }
 
 void TestWaylandPlatform::openingWithoutACompositorFails()
@@ -201,8 +143,8 @@ void TestWaylandPlatform::displays()
     QFETCH(QStringList, displays);
     QFETCH(QStringList, described);
     QVERIFY2(setUp(outputs, commands, false), qPrintable(m_error));
-    QCOMPARE(describe(m_platform->displays()), displays);
-    QCOMPARE(describe(m_platform->outputs()), described);
+    QCOMPARE(describe(m_session.platform().displays()), displays);
+    QCOMPARE(describe(m_session.platform().outputs()), described);
 }
 
 void TestWaylandPlatform::motionLandsOnItsPixel_data()
@@ -231,14 +173,14 @@ void TestWaylandPlatform::motionLandsOnItsPixel()
     QFETCH(QString, output);
     QFETCH(QPoint, pixel);
     QVERIFY2(setUp(Outputs::HeadlessThenX11, scaledAndTurned()), qPrintable(m_error));
-    QVERIFY(park({ 7, 9 }, QStringLiteral("HEADLESS-1"), QPoint(7, 9)));
+    QVERIFY(m_session.park({ 7, 9 }, QStringLiteral("HEADLESS-1"), QPoint(7, 9)));
 
-    QVERIFY(m_platform->postMouseMoved(global));
-    QVERIFY(m_probe->waitFor(pointerAt(output, pixel)).hasMatch());
+    QVERIFY(m_session.platform().postMouseMoved(global));
+    QVERIFY(m_session.probe().waitFor(pointerAt(output, pixel)).hasMatch());
     // The model holds the same pixel, in window coordinates (y up from the primary's bottom).
     const int outputX = output == QLatin1String("X11-1") ? 1792 : 0;
-    QCOMPARE(m_platform->mouseLocation(), (QVPoint { double(outputX + pixel.x()), double(1080 - pixel.y()) }));
-    QVERIFY(m_platform->isMouseLocationApproximate());
+    QCOMPARE(m_session.platform().mouseLocation(), (QVPoint { double(outputX + pixel.x()), double(1080 - pixel.y()) }));
+    QVERIFY(m_session.platform().isMouseLocationApproximate());
 }
 
 void TestWaylandPlatform::clickCarriesNoHeldModifiers_data()
@@ -269,20 +211,21 @@ void TestWaylandPlatform::clickCarriesNoHeldModifiers()
     QFETCH(QString, arrives);
     QVERIFY2(setUp(Outputs::Headless, { QStringLiteral("output HEADLESS-1 resolution 1280x720 position 0 0 scale 1") }),
         qPrintable(m_error));
-    QVERIFY(park({ 300, 200 }, QStringLiteral("HEADLESS-1"), QPoint(300, 200)));
+    QVERIFY(m_session.park({ 300, 200 }, QStringLiteral("HEADLESS-1"), QPoint(300, 200)));
 
     // Another keyboard (the probe's) holds the modifier, as the user's hand would.
-    QVERIFY(m_probe->send(QStringLiteral("press %1").arg(key)));
-    QVERIFY(m_probe->waitFor(QStringLiteral("modifiers ") + modifier).hasMatch());
-    QVERIFY(m_platform->postMouseButton(true, rightButton, privateSource));
-    QVERIFY(m_platform->postMouseButton(false, rightButton, privateSource));
+    QVERIFY(m_session.probe().send(QStringLiteral("press %1").arg(key)));
+    QVERIFY(m_session.probe().waitFor(QStringLiteral("modifiers ") + modifier).hasMatch());
+    QVERIFY(m_session.platform().postMouseButton(true, rightButton, privateSource));
+    QVERIFY(m_session.platform().postMouseButton(false, rightButton, privateSource));
     const QString button = rightButton ? QStringLiteral("273") : QStringLiteral("272");
-    const QRegularExpressionMatch press = m_probe->waitFor(QStringLiteral("button HEADLESS-1 %1 1 (\\S+)").arg(button));
+    const QRegularExpressionMatch press
+        = m_session.probe().waitFor(QStringLiteral("button HEADLESS-1 %1 1 (\\S+)").arg(button));
     const QRegularExpressionMatch release
-        = m_probe->waitFor(QStringLiteral("button HEADLESS-1 %1 0 (\\S+)").arg(button));
+        = m_session.probe().waitFor(QStringLiteral("button HEADLESS-1 %1 0 (\\S+)").arg(button));
     QCOMPARE(press.captured(1), arrives);
     QCOMPARE(release.captured(1), arrives);
-    QVERIFY(m_probe->send(QStringLiteral("release %1").arg(key)));
+    QVERIFY(m_session.probe().send(QStringLiteral("release %1").arg(key)));
 }
 
 void TestWaylandPlatform::outputRemovedWhileRunning_data()
@@ -321,19 +264,20 @@ void TestWaylandPlatform::outputRemovedWhileRunning()
     QFETCH(QPoint, afterPixel);
     QFETCH(int, primaryWidth);
     QVERIFY2(setUp(outputs, commands), qPrintable(m_error));
-    QCOMPARE(m_platform->displays().size(), 2);
-    QVERIFY(park(before, QStringLiteral("X11-1"), beforePixel));
+    QCOMPARE(m_session.platform().displays().size(), 2);
+    QVERIFY(m_session.park(before, QStringLiteral("X11-1"), beforePixel));
 
-    QVERIFY2(m_sway->removeX11Output(&m_error), qPrintable(m_error));
-    QTRY_COMPARE(describe(m_platform->displays()).first(), QStringLiteral("HEADLESS-1 0 0 %1 1080").arg(primaryWidth));
-    QCOMPARE(m_platform->displays().size(), 1);
-    QCOMPARE(m_platform->mouseLocation(), modelAfter);
+    QVERIFY2(m_session.sway().removeX11Output(&m_error), qPrintable(m_error));
+    QTRY_COMPARE(
+        describe(m_session.platform().displays()).first(), QStringLiteral("HEADLESS-1 0 0 %1 1080").arg(primaryWidth));
+    QCOMPARE(m_session.platform().displays().size(), 1);
+    QCOMPARE(m_session.platform().mouseLocation(), modelAfter);
     // sway moves the removed output's workspace over, in front of the probe's window there.
-    QVERIFY2(m_sway->command(QStringLiteral("[title=\"HEADLESS-1\"] focus"), &m_error), qPrintable(m_error));
-    m_probe->skipAll();
-    QVERIFY(m_platform->postMouseMoved(after));
-    QVERIFY(m_probe->waitFor(pointerAt(QStringLiteral("HEADLESS-1"), afterPixel)).hasMatch());
-    m_setUpKey.clear(); // the next row needs the output back
+    QVERIFY2(m_session.sway().command(QStringLiteral("[title=\"HEADLESS-1\"] focus"), &m_error), qPrintable(m_error));
+    m_session.probe().skipAll();
+    QVERIFY(m_session.platform().postMouseMoved(after));
+    QVERIFY(m_session.probe().waitFor(pointerAt(QStringLiteral("HEADLESS-1"), afterPixel)).hasMatch());
+    m_session.discard(); // the next row needs the output back
 }
 
 void TestWaylandPlatform::repeatThresholds_data()
@@ -359,20 +303,19 @@ void TestWaylandPlatform::repeatThresholds()
     QFETCH(double, initialTicks);
     QFETCH(double, repeatTicks);
     QVERIFY2(setUp(outputs, commands, false), qPrintable(m_error));
-    QCOMPARE(m_platform->keyRepeatThresholds().initialTicks, initialTicks);
-    QCOMPARE(m_platform->keyRepeatThresholds().repeatTicks, repeatTicks);
+    QCOMPARE(m_session.platform().keyRepeatThresholds().initialTicks, initialTicks);
+    QCOMPARE(m_session.platform().keyRepeatThresholds().repeatTicks, repeatTicks);
 }
 
 void TestWaylandPlatform::compositorGoneMidway()
 {
     QVERIFY2(setUp(Outputs::Headless, {}, false), qPrintable(m_error));
-    QVERIFY(m_platform->postMouseMoved({ 10, 10 }));
-    m_sway.reset();
-    m_setUpKey.clear();
+    QVERIFY(m_session.platform().postMouseMoved({ 10, 10 }));
+    m_session.stopSway();
     // The loss shows at the latest when a request cannot be written; nothing hangs or crashes.
-    QTRY_VERIFY(!m_platform->postMouseMoved({ 20, 20 }));
-    QVERIFY(!m_platform->postMouseButton(true, false, true));
-    QCOMPARE(m_platform->displays().size(), 1);
+    QTRY_VERIFY(!m_session.platform().postMouseMoved({ 20, 20 }));
+    QVERIFY(!m_session.platform().postMouseButton(true, false, true));
+    QCOMPARE(m_session.platform().displays().size(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestWaylandPlatform)

@@ -10,9 +10,11 @@
 //   modifiers MODS
 // Commands on standard input, each answered by "ok COMMAND" once the compositor has them:
 //   press CODE | release CODE    a key (evdev code) of the probe's own virtual keyboard
+//   move X Y                     the probe's own virtual pointer to a layout pixel
 //   quit
 
 #include "virtual-keyboard-unstable-v1-client-protocol.h"
+#include "wlr-virtual-pointer-unstable-v1-client-protocol.h"
 #include "xdg-output-unstable-v1-client-protocol.h"
 #include "xdg-shell-client-protocol.h"
 
@@ -23,6 +25,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -59,6 +63,8 @@ struct Probe {
     wl_seat *seat = nullptr;
     zxdg_output_manager_v1 *outputManager = nullptr;
     zwp_virtual_keyboard_manager_v1 *keyboardManager = nullptr;
+    zwlr_virtual_pointer_manager_v1 *pointerManager = nullptr;
+    zwlr_virtual_pointer_v1 *virtualPointer = nullptr;
     zwp_virtual_keyboard_v1 *virtualKeyboard = nullptr;
     xkb_state *virtualState = nullptr;
     wl_pointer *pointer = nullptr;
@@ -369,6 +375,9 @@ void globalAdded(void *data, wl_registry *registry, uint32_t name, const char *i
     } else if (kind == zwp_virtual_keyboard_manager_v1_interface.name) {
         probe->keyboardManager = bind<zwp_virtual_keyboard_manager_v1>(
             registry, name, &zwp_virtual_keyboard_manager_v1_interface, version, 1);
+    } else if (kind == zwlr_virtual_pointer_manager_v1_interface.name) {
+        probe->pointerManager = bind<zwlr_virtual_pointer_manager_v1>(
+            registry, name, &zwlr_virtual_pointer_manager_v1_interface, version, 1);
     } else if (kind == wl_output_interface.name) {
         Output &output = probe->outputs.emplace_back();
         output.probe = probe;
@@ -467,11 +476,36 @@ bool sendKey(Probe *probe, uint32_t code, bool press)
     return true;
 }
 
+// Another hand on the pointer: a motion to the centre of a layout pixel, which the
+// compositor scales onto the layout's bounding box.
+bool movePointer(Probe *probe, int x, int y)
+{
+    if (!probe->pointerManager || probe->outputs.empty())
+        return false;
+    if (!probe->virtualPointer)
+        probe->virtualPointer
+            = zwlr_virtual_pointer_manager_v1_create_virtual_pointer(probe->pointerManager, probe->seat);
+    int left = INT_MAX, top = INT_MAX, right = INT_MIN, bottom = INT_MIN;
+    for (const Output &output : probe->outputs) {
+        left = std::min(left, output.x);
+        top = std::min(top, output.y);
+        right = std::max(right, output.x + output.width);
+        bottom = std::max(bottom, output.y + output.height);
+    }
+    zwlr_virtual_pointer_v1_motion_absolute(probe->virtualPointer, 0, uint32_t(2 * (x - left) + 1),
+        uint32_t(2 * (y - top) + 1), uint32_t(2 * (right - left)), uint32_t(2 * (bottom - top)));
+    zwlr_virtual_pointer_v1_frame(probe->virtualPointer);
+    return true;
+}
+
 void runCommand(Probe *probe, const std::string &line)
 {
     unsigned code = 0;
+    int x = 0, y = 0;
     bool done = false;
-    if (std::sscanf(line.c_str(), "press %u", &code) == 1)
+    if (std::sscanf(line.c_str(), "move %d %d", &x, &y) == 2)
+        done = movePointer(probe, x, y);
+    else if (std::sscanf(line.c_str(), "press %u", &code) == 1)
         done = sendKey(probe, code, true);
     else if (std::sscanf(line.c_str(), "release %u", &code) == 1)
         done = sendKey(probe, code, false);
