@@ -72,8 +72,11 @@ QVWaylandPlatform::QVWaylandPlatform(std::unique_ptr<QVWaylandConnection> connec
 QVWaylandPlatform::~QVWaylandPlatform()
 {
     // Devices and outputs before the globals they were made from.
-    for (QVWaylandLayerSurface *overlay : std::as_const(m_overlays))
+    // An overlay kept longer than the platform stays hidden and inert.
+    for (QVWaylandLayerSurface *overlay : std::as_const(m_overlays)) {
+        overlay->outputGone();
         overlay->setDestroyedListener(nullptr);
+    }
     m_seat.reset();
     m_keyboard.reset();
     m_pointer.reset();

@@ -46,7 +46,7 @@ public:
     void beep() override;
     bool isCompositingManagerRunning() const override;
     // A layer-shell surface on the display's output; nothing without layer shell.
-    // It must go before the platform does.
+    // Kept longer than the platform, it stays hidden.
     std::unique_ptr<QVOverlaySurface> createOverlaySurface(const QVDisplay &display, bool takesKeyboard) override;
     void setWindowListedInTaskbar(quintptr window, bool listed) override;
     void activateWindow(quintptr window) override;

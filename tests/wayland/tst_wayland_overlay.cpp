@@ -69,6 +69,7 @@ private Q_SLOTS:
     void heldKeyRepeatsUntilReleased();
     void pointerModelLearnsFromTheOverlay();
     void overlayHidesForGoodWhenItsOutputGoes();
+    void overlayOutlivingThePlatformStaysHidden();
 
 private:
     bool setUp(Outputs outputs, const QStringList &commands)
@@ -303,6 +304,19 @@ void TestWaylandOverlay::overlayHidesForGoodWhenItsOutputGoes()
     QVERIFY(!m_session.platform().takeKeyboard());
     QVERIFY(m_session.platform().postMouseMoved({ 10, 10 }));
     m_session.discard(); // the next test needs the output back
+}
+
+void TestWaylandOverlay::overlayOutlivingThePlatformStaysHidden()
+{
+    QVERIFY2(setUp(Outputs::Headless, { QStringLiteral("output HEADLESS-1 resolution 1280x720 scale 1") }),
+        qPrintable(m_error));
+    std::unique_ptr<QVOverlaySurface> overlay = showOverlay(QStringLiteral("HEADLESS-1"), true);
+    QVERIFY(overlay);
+    m_session.reset();
+    QVERIFY(!overlay->isVisible());
+    overlay->setVisible(true);
+    overlay->setPicture(QImage(overlay->pixelSize(), QImage::Format_ARGB32_Premultiplied), QRegion());
+    QVERIFY(!overlay->isVisible());
 }
 
 QTEST_GUILESS_MAIN(TestWaylandOverlay)
