@@ -1,4 +1,5 @@
 #include "QVCommandLine.h"
+#include "QVDBusService.h"
 #include "QVEventDispatcher.h"
 #include "QVEventParserApplication.h"
 #include "QVHotKeyRecordingRoute.h"
@@ -12,6 +13,7 @@
 #include "QVX11Connection.h"
 #include "QVX11Platform.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <cstdio>
@@ -79,6 +81,19 @@ void exitOnQtFatal(QtMsgType type, const QMessageLogContext &, const QString &me
     std::_Exit(1);
 }
 
+// --perform: no display, no window; the running Corvane does the work.
+int askToPerform(const QString &settingsPath, const QVCommandLine &commandLine, int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    QString error;
+    QVSingleInstance running(settingsPath);
+    if (!running.askToPerform(commandLine.performName, commandLine.performRelease, &error)) {
+        printLine(stderr, QStringLiteral("corvane: %1\n").arg(error));
+        return 1;
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -96,6 +111,11 @@ int main(int argc, char **argv)
         printLine(stdout, QStringLiteral("corvane %1\n").arg(QStringLiteral(CORVANE_VERSION)));
         return 0;
     }
+    const QString settingsPath
+        = commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath() : commandLine.settingsPath;
+    if (!commandLine.performName.isEmpty())
+        return askToPerform(settingsPath, commandLine, argc, argv);
+
     std::unique_ptr<QVX11Connection> connection = openDisplay();
     if (!connection)
         return 1;
@@ -110,8 +130,6 @@ int main(int argc, char **argv)
     QVInstalledResources::installTranslators(application);
 
     // Before any key is grabbed: a second Corvane on the same settings only asks the first to reopen.
-    const QString settingsPath
-        = commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath() : commandLine.settingsPath;
     QString error;
     QVSingleInstance singleInstance(settingsPath);
     switch (singleInstance.claimOrAskToReopen(&error)) {
@@ -149,6 +167,16 @@ int main(int argc, char **argv)
         if (!recordingRoute.routeEvent(event))
             application.sendEvent(event);
     });
+    // Controls asked for from outside go the way of their hot keys, repetition included.
+    const auto performNamed = [&application, &controller](const QString &name, bool release) {
+        QString reason;
+        if (const QVEventRef event = controller.performEventForControlNamed(name, release, &reason))
+            application.sendEvent(event);
+        return reason;
+    };
+    singleInstance.setPerformHandler(performNamed);
+    QVDBusService dbusService(performNamed, [&controller] { return controller.performableControls(); });
+    dbusService.registerOnSessionBus();
 
     QVUnixSignalWatcher signals;
     QObject::connect(&signals, &QVUnixSignalWatcher::terminationRequested, &application,
