@@ -1,5 +1,7 @@
 #include "QVCommandLine.h"
 
+#include "QVPlatformChoice.h"
+
 QVCommandLine QVCommandLine::parse(const QStringList &arguments)
 {
     QVCommandLine line;
@@ -17,6 +19,13 @@ QVCommandLine QVCommandLine::parse(const QStringList &arguments)
             line.settingsPath = arguments[index];
         } else if (argument.startsWith(QLatin1String("--settings="))) {
             line.settingsPath = argument.mid(int(qstrlen("--settings=")));
+        } else if (argument == QLatin1String("--platform")) {
+            if (++index >= arguments.size() || arguments[index].isEmpty()
+                || !QVPlatformChoice::isKnownName(arguments[index])) {
+                line.error = QStringLiteral("--platform needs x11 or wayland");
+                return line;
+            }
+            line.platform = arguments[index];
         } else if (argument == QLatin1String("--perform") || argument == QLatin1String("--perform-release")) {
             if (++index >= arguments.size() || arguments[index].isEmpty()) {
                 line.error = QStringLiteral("%1 needs the identifier or title of a control").arg(argument);
@@ -44,8 +53,9 @@ QString QVCommandLine::helpText()
                           "                             by its identifier or title, as its hot key would;\n"
                           "                             a Move repeats until --perform-release\n"
                           "  --perform-release CONTROL  end the repetition, as the hot key's release would\n"
+                          "  --platform x11|wayland     drive this window system, not the session's own\n"
                           "  --help                     show this text\n"
                           "  --version                  show the version\n"
                           "\n"
-                          "Corvane needs an X11 display ($DISPLAY).\n");
+                          "Corvane needs an X11 display ($DISPLAY); its Wayland back end is in the making.\n");
 }

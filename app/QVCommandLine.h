@@ -11,6 +11,7 @@ struct QVCommandLine final {
     // Asks the running Corvane to perform this control (by identifier or title) and ends.
     QString performName;
     bool performRelease = false; // the end of a held control's repetition instead
+    QString platform; // "x11", "wayland", or empty for the session's own
     QString error; // set when the arguments make no sense
 
     static QVCommandLine parse(const QStringList &arguments);

@@ -6,6 +6,7 @@
 #include "QVInstalledResources.h"
 #include "QVLog.h"
 #include "QVMainController.h"
+#include "QVPlatformChoice.h"
 #include "QVSingleInstance.h"
 #include "QVTimerDelayedPerformer.h"
 #include "QVUnixSignalWatcher.h"
@@ -43,25 +44,41 @@ void printUnreachable()
             .arg(QString::fromLocal8Bit(qgetenv("DISPLAY"))));
 }
 
-// Corvane drives X11 only; say plainly what is missing before Qt gives up on its own terms.
+// Says plainly what is missing before Qt gives up on its own terms; false when Corvane cannot run.
+bool chooseX11(const QString &requested)
+{
+    const QVPlatformChoice::Session session = QVPlatformChoice::currentSession();
+    const QVPlatformChoice choice = QVPlatformChoice::choose(requested, session);
+    switch (choice.kind) {
+    case QVPlatformChoice::Kind::X11:
+        if (!choice.reason.isEmpty())
+            printLine(stderr, QStringLiteral("corvane: %1\n").arg(choice.reason));
+        return true;
+    case QVPlatformChoice::Kind::None:
+        printLine(stderr, QStringLiteral("corvane: %1. Corvane needs an X11 session.\n").arg(choice.reason));
+        return false;
+    case QVPlatformChoice::Kind::Wayland: break;
+    }
+    // Until the Wayland back end is built in, XWayland is the way: it reaches only X11 windows.
+    if (!requested.isEmpty() || session.display.isEmpty()) {
+        printLine(stderr,
+            session.display.isEmpty()
+                ? QStringLiteral("corvane: this Wayland session offers no X11 display ($DISPLAY is not set), "
+                                 "and this Corvane drives X11 only: log in to an X11 session, or run XWayland.\n")
+                : QStringLiteral("corvane: this Corvane drives X11 only: start it without --platform wayland.\n"));
+        return false;
+    }
+    printLine(stderr,
+        QStringLiteral("corvane: Wayland session: driving X11 through XWayland, which reaches X11 windows only\n"));
+    return true;
+}
+
 // The connection that proves the display reachable is kept and becomes Corvane's own: a
 // probe closed before Qt connects can be a server's last client, and a server that resets
 // as its last client leaves may then be mid-reset when Qt connects.
 std::unique_ptr<QVX11Connection> openDisplay()
 {
     const QByteArray display = qgetenv("DISPLAY");
-    if (display.isEmpty()) {
-        if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-            printLine(stderr,
-                QStringLiteral("corvane: this Wayland session offers no X11 display ($DISPLAY is "
-                               "not set). Corvane needs X11: log in to an X11 session, or run "
-                               "XWayland.\n"));
-        else
-            printLine(stderr,
-                QStringLiteral("corvane: no X11 display: $DISPLAY is not set. Corvane needs a "
-                               "running X server.\n"));
-        return nullptr;
-    }
     std::unique_ptr<QVX11Connection> connection = QVX11Connection::open(display, nullptr);
     if (!connection)
         printUnreachable();
@@ -116,6 +133,8 @@ int main(int argc, char **argv)
     if (!commandLine.performName.isEmpty())
         return askToPerform(settingsPath, commandLine, argc, argv);
 
+    if (!chooseX11(commandLine.platform))
+        return 1;
     std::unique_ptr<QVX11Connection> connection = openDisplay();
     if (!connection)
         return 1;
