@@ -4,12 +4,15 @@
 #include <QStringList>
 
 // What the command line asks for; read before any display is opened.
-struct QVCommandLine final
-{
+struct QVCommandLine final {
     bool showHelp = false;
     bool showVersion = false;
     QString settingsPath; // empty: the default place
-    QString error;        // set when the arguments make no sense
+    // Asks the running Corvane to perform this control (by identifier or title) and ends.
+    QString performName;
+    bool performRelease = false; // the end of a held control's repetition instead
+    QString platform; // "x11", "wayland", or empty for the session's own
+    QString error; // set when the arguments make no sense
 
     static QVCommandLine parse(const QStringList &arguments);
     static QString helpText();

@@ -269,6 +269,28 @@ void QVMainController::performCustomControlActionForMenuItem(const QAction *item
         m_platform.beep();
 }
 
+QVEventRef QVMainController::performEventForControlNamed(const QString &name, bool release, QString *reason) const
+{
+    const QVCustomControlRef control = m_manager->controlForPerformName(name, reason);
+    if (!control)
+        return nullptr;
+    // As a hot key's press and release: a held Move repeats until the release comes.
+    auto event = std::make_shared<QVEvent>();
+    event->type = QVEvent::SystemDefined;
+    event->subtype = release ? QVEvent::HotKeyReleased : QVEvent::HotKeyPressed;
+    event->performedControl = control->uniqueIdentifier();
+    return event;
+}
+
+QList<QStringList> QVMainController::performableControls() const
+{
+    QList<QStringList> controls;
+    for (const QVCustomControlRef &control : m_manager->controls())
+        if (control->action() > 0)
+            controls.append({ control->uniqueIdentifier(), control->displayTitleWithSuffixes(nullptr) });
+    return controls;
+}
+
 QList<QVHotKeyRef> QVMainController::hotKeys() const
 {
     QList<QVHotKeyRef> hotKeys;

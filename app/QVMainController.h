@@ -64,6 +64,11 @@ public:
         QVCustomControlRepresentation *control, const QVEvent *event, bool isRepetition, bool *shouldRepeat);
     // The item's data names a control by its unique identifier.
     void performCustomControlActionForMenuItem(const QAction *item);
+    // The event that performs (or releases) the control named from outside, by identifier
+    // or title; null with the reason when nothing matches.
+    QVEventRef performEventForControlNamed(const QString &name, bool release, QString *reason) const;
+    // Identifier and title of every control that acts, in list order.
+    QList<QStringList> performableControls() const;
 
     // Events no hot key claimed: keys and clicks for the overlay while it is up.
     void dispatchEventNormally(const QVEventRef &event);

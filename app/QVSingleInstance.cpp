@@ -24,9 +24,13 @@ constexpr int answerMilliseconds = 3000;
 constexpr int retryMilliseconds = 50;
 // A peer that connects and never says a full line is dropped after this.
 constexpr int idlePeerMilliseconds = 5000;
-constexpr qint64 longestRequest = 64;
+// Room for a control's title, percent-encoded.
+constexpr qint64 longestRequest = 4096;
 const QByteArray reopenRequest = QByteArrayLiteral("reopen");
+const QByteArray performRequest = QByteArrayLiteral("perform ");
+const QByteArray releaseRequest = QByteArrayLiteral("release ");
 const QByteArray acknowledgement = QByteArrayLiteral("ok");
+const QByteArray refusal = QByteArrayLiteral("error ");
 
 QString systemError(int number)
 {
@@ -87,18 +91,26 @@ QVSingleInstance::QVSingleInstance(const QString &settingsFilePath, QObject *par
 
 QVSingleInstance::~QVSingleInstance() = default;
 
-QVSingleInstance::Outcome QVSingleInstance::claimOrAskToReopen(QString *error)
+bool QVSingleInstance::preparePaths(QString *lockPath, QString *error)
 {
     const QString directory = privateDirectory(error);
     if (directory.isEmpty())
-        return Outcome::Failed;
+        return false;
     // Two spellings of one file are one instance; the hash keeps the socket path short
     // (a local socket's path has room for 107 bytes only).
     const QString settings = QDir::cleanPath(QFileInfo(m_settingsFilePath).absoluteFilePath());
     const QString name
         = QString::fromLatin1(QCryptographicHash::hash(settings.toUtf8(), QCryptographicHash::Sha256).toHex().left(24));
-    const QString lockPath = directory + u'/' + name + QStringLiteral(".lock");
+    *lockPath = directory + u'/' + name + QStringLiteral(".lock");
     m_socketPath = directory + u'/' + name + QStringLiteral(".socket");
+    return true;
+}
+
+QVSingleInstance::Outcome QVSingleInstance::claimOrAskToReopen(QString *error)
+{
+    QString lockPath;
+    if (!preparePaths(&lockPath, error))
+        return Outcome::Failed;
 
     auto lock = std::make_unique<QLockFile>(lockPath);
     // A lock is stale only when its process is gone; its age never counts, so a
@@ -120,6 +132,31 @@ QVSingleInstance::Outcome QVSingleInstance::claimOrAskToReopen(QString *error)
         return Outcome::Failed;
     }
     return Outcome::Claimed;
+}
+
+bool QVSingleInstance::askToPerform(const QString &name, bool release, QString *error)
+{
+    QString lockPath;
+    if (!preparePaths(&lockPath, error))
+        return false;
+    // A lock this process can take is held by no running Corvane.
+    QLockFile lock(lockPath);
+    lock.setStaleLockTime(0);
+    if (lock.tryLock(0)) {
+        lock.unlock();
+        *error = QStringLiteral("no Corvane is running with the settings %1").arg(m_settingsFilePath);
+        return false;
+    }
+    QByteArray answer;
+    if (!request((release ? releaseRequest : performRequest) + name.toUtf8().toPercentEncoding(), &answer, error)) {
+        *error = QStringLiteral("the running Corvane did not answer: %1").arg(*error);
+        return false;
+    }
+    if (answer == acknowledgement)
+        return true;
+    *error = answer.startsWith(refusal) ? QString::fromUtf8(answer.mid(refusal.size()))
+                                        : QStringLiteral("unexpected answer \"%1\"").arg(QString::fromUtf8(answer));
+    return false;
 }
 
 bool QVSingleInstance::listen(QString *error)
@@ -160,14 +197,40 @@ void QVSingleInstance::answer(QLocalSocket *socket)
         return;
     }
     const QByteArray request = socket->readLine(longestRequest + 1).trimmed();
-    const bool reopen = request == reopenRequest;
-    socket->write(reopen ? acknowledgement + '\n' : QByteArrayLiteral("unknown request\n"));
+    socket->write(answerTo(request) + '\n');
     socket->disconnectFromServer();
-    if (reopen)
+}
+
+QByteArray QVSingleInstance::answerTo(const QByteArray &request)
+{
+    if (request == reopenRequest) {
         Q_EMIT reopenRequested();
+        return acknowledgement;
+    }
+    const bool release = request.startsWith(releaseRequest);
+    if (!release && !request.startsWith(performRequest))
+        return QByteArrayLiteral("unknown request");
+    if (!m_performHandler)
+        return refusal + QByteArrayLiteral("this Corvane performs no controls on request");
+    const QString name = QString::fromUtf8(
+        QByteArray::fromPercentEncoding(request.mid(release ? releaseRequest.size() : performRequest.size())));
+    const QString problem = m_performHandler(name, release);
+    return problem.isEmpty() ? acknowledgement : refusal + problem.toUtf8().replace('\n', ' ');
 }
 
 bool QVSingleInstance::askToReopen(QString *error)
+{
+    QByteArray answer;
+    if (!request(reopenRequest, &answer, error))
+        return false;
+    if (answer != acknowledgement) {
+        *error = QStringLiteral("unexpected answer \"%1\"").arg(QString::fromUtf8(answer));
+        return false;
+    }
+    return true;
+}
+
+bool QVSingleInstance::request(const QByteArray &line, QByteArray *answer, QString *error)
 {
     QLocalSocket socket;
     // The owner takes the lock a moment before it listens: keep knocking for a while.
@@ -183,7 +246,7 @@ bool QVSingleInstance::askToReopen(QString *error)
         socket.abort();
         QThread::msleep(retryMilliseconds);
     }
-    socket.write(reopenRequest + '\n');
+    socket.write(line + '\n');
     // Its event loop may still be busy starting; the answer gets a time of its own.
     const QDeadlineTimer answerDeadline(answerMilliseconds);
     while (!socket.canReadLine()) {
@@ -194,10 +257,6 @@ bool QVSingleInstance::askToReopen(QString *error)
             return false;
         }
     }
-    const QByteArray answer = socket.readLine(longestRequest).trimmed();
-    if (answer != acknowledgement) {
-        *error = QStringLiteral("unexpected answer \"%1\"").arg(QString::fromUtf8(answer));
-        return false;
-    }
+    *answer = socket.readLine(longestRequest).trimmed();
     return true;
 }

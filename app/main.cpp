@@ -1,10 +1,12 @@
 #include "QVCommandLine.h"
+#include "QVDBusService.h"
 #include "QVEventDispatcher.h"
 #include "QVEventParserApplication.h"
 #include "QVHotKeyRecordingRoute.h"
 #include "QVInstalledResources.h"
 #include "QVLog.h"
 #include "QVMainController.h"
+#include "QVPlatformChoice.h"
 #include "QVSingleInstance.h"
 #include "QVTimerDelayedPerformer.h"
 #include "QVUnixSignalWatcher.h"
@@ -12,6 +14,7 @@
 #include "QVX11Connection.h"
 #include "QVX11Platform.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <cstdio>
@@ -41,25 +44,41 @@ void printUnreachable()
             .arg(QString::fromLocal8Bit(qgetenv("DISPLAY"))));
 }
 
-// Corvane drives X11 only; say plainly what is missing before Qt gives up on its own terms.
+// Says plainly what is missing before Qt gives up on its own terms; false when Corvane cannot run.
+bool chooseX11(const QString &requested)
+{
+    const QVPlatformChoice::Session session = QVPlatformChoice::currentSession();
+    const QVPlatformChoice choice = QVPlatformChoice::choose(requested, session);
+    switch (choice.kind) {
+    case QVPlatformChoice::Kind::X11:
+        if (!choice.reason.isEmpty())
+            printLine(stderr, QStringLiteral("corvane: %1\n").arg(choice.reason));
+        return true;
+    case QVPlatformChoice::Kind::None:
+        printLine(stderr, QStringLiteral("corvane: %1. Corvane needs an X11 session.\n").arg(choice.reason));
+        return false;
+    case QVPlatformChoice::Kind::Wayland: break;
+    }
+    // Until the Wayland back end is built in, XWayland is the way: it reaches only X11 windows.
+    if (!requested.isEmpty() || session.display.isEmpty()) {
+        printLine(stderr,
+            session.display.isEmpty()
+                ? QStringLiteral("corvane: this Wayland session offers no X11 display ($DISPLAY is not set), "
+                                 "and this Corvane drives X11 only: log in to an X11 session, or run XWayland.\n")
+                : QStringLiteral("corvane: this Corvane drives X11 only: start it without --platform wayland.\n"));
+        return false;
+    }
+    printLine(stderr,
+        QStringLiteral("corvane: Wayland session: driving X11 through XWayland, which reaches X11 windows only\n"));
+    return true;
+}
+
 // The connection that proves the display reachable is kept and becomes Corvane's own: a
 // probe closed before Qt connects can be a server's last client, and a server that resets
 // as its last client leaves may then be mid-reset when Qt connects.
 std::unique_ptr<QVX11Connection> openDisplay()
 {
     const QByteArray display = qgetenv("DISPLAY");
-    if (display.isEmpty()) {
-        if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-            printLine(stderr,
-                QStringLiteral("corvane: this Wayland session offers no X11 display ($DISPLAY is "
-                               "not set). Corvane needs X11: log in to an X11 session, or run "
-                               "XWayland.\n"));
-        else
-            printLine(stderr,
-                QStringLiteral("corvane: no X11 display: $DISPLAY is not set. Corvane needs a "
-                               "running X server.\n"));
-        return nullptr;
-    }
     std::unique_ptr<QVX11Connection> connection = QVX11Connection::open(display, nullptr);
     if (!connection)
         printUnreachable();
@@ -79,6 +98,19 @@ void exitOnQtFatal(QtMsgType type, const QMessageLogContext &, const QString &me
     std::_Exit(1);
 }
 
+// --perform: no display, no window; the running Corvane does the work.
+int askToPerform(const QString &settingsPath, const QVCommandLine &commandLine, int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    QString error;
+    QVSingleInstance running(settingsPath);
+    if (!running.askToPerform(commandLine.performName, commandLine.performRelease, &error)) {
+        printLine(stderr, QStringLiteral("corvane: %1\n").arg(error));
+        return 1;
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -96,6 +128,13 @@ int main(int argc, char **argv)
         printLine(stdout, QStringLiteral("corvane %1\n").arg(QStringLiteral(CORVANE_VERSION)));
         return 0;
     }
+    const QString settingsPath
+        = commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath() : commandLine.settingsPath;
+    if (!commandLine.performName.isEmpty())
+        return askToPerform(settingsPath, commandLine, argc, argv);
+
+    if (!chooseX11(commandLine.platform))
+        return 1;
     std::unique_ptr<QVX11Connection> connection = openDisplay();
     if (!connection)
         return 1;
@@ -110,8 +149,6 @@ int main(int argc, char **argv)
     QVInstalledResources::installTranslators(application);
 
     // Before any key is grabbed: a second Corvane on the same settings only asks the first to reopen.
-    const QString settingsPath
-        = commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath() : commandLine.settingsPath;
     QString error;
     QVSingleInstance singleInstance(settingsPath);
     switch (singleInstance.claimOrAskToReopen(&error)) {
@@ -149,6 +186,16 @@ int main(int argc, char **argv)
         if (!recordingRoute.routeEvent(event))
             application.sendEvent(event);
     });
+    // Controls asked for from outside go the way of their hot keys, repetition included.
+    const auto performNamed = [&application, &controller](const QString &name, bool release) {
+        QString reason;
+        if (const QVEventRef event = controller.performEventForControlNamed(name, release, &reason))
+            application.sendEvent(event);
+        return reason;
+    };
+    singleInstance.setPerformHandler(performNamed);
+    QVDBusService dbusService(performNamed, [&controller] { return controller.performableControls(); });
+    dbusService.registerOnSessionBus();
 
     QVUnixSignalWatcher signals;
     QObject::connect(&signals, &QVUnixSignalWatcher::terminationRequested, &application,

@@ -7,7 +7,10 @@
 #include "QVCustomControlRowDrag.h"
 #include "QVHotKey.h"
 #include "QVHotKeyClearButton.h"
+#include "QVHotKeyService.h"
 #include "QVHotKeyTextView.h"
+#include "QVStringExtensions.h"
+#include "QVUserDefaults.h"
 
 #include <QAccessible>
 #include <QCheckBox>
@@ -193,8 +196,15 @@ void QVCustomControlConfigurationView::updateConfigurationView(qint64 action, bo
         m_control->setHotKey(nullptr);
         c.hotKeyTextView->setHotKey(nullptr);
     }
-    c.hotKeyTextView->setVisible(takesHotKey);
-    c.hotKeyClearButton->setVisible(takesHotKey);
+    const QVHotKeyService *service = m_control->hotKeyService();
+    const bool recordable = takesHotKey && (!service || service->grantsHotKeys());
+    c.hotKeyTextView->setVisible(recordable);
+    c.hotKeyClearButton->setVisible(recordable);
+    c.performCommandField->setVisible(takesHotKey && !recordable);
+    if (takesHotKey && !recordable && c.performCommandField->text() != performCommand()) {
+        c.performCommandField->setText(performCommand());
+        c.performCommandField->setCursorPosition(0); // the program's name first, not the identifier's end
+    }
 
     QWidget *detailBox = makeDetailBox(action);
     loadParameters(action);
@@ -211,6 +221,16 @@ void QVCustomControlConfigurationView::updateConfigurationView(qint64 action, bo
             list->scrollRectToVisible(geometry());
         }
     }
+}
+
+QString QVCustomControlConfigurationView::performCommand() const
+{
+    // The identifier, not the title: it stays the same however the control is edited.
+    QString command = QStringLiteral("corvane");
+    const QVUserDefaults *defaults = QVUserDefaults::standardUserDefaults();
+    if (defaults && defaults->filePath() != QVUserDefaults::defaultFilePath())
+        command += QStringLiteral(" --settings ") + QVShellQuoted(defaults->filePath());
+    return command + QStringLiteral(" --perform ") + QVShellQuoted(m_control->uniqueIdentifier());
 }
 
 void QVCustomControlConfigurationView::loadParameters(qint64 action)
@@ -295,6 +315,7 @@ void QVCustomControlConfigurationView::updateAccessibleNames()
     c.actionSelector->setAccessibleName(tr("Action of %1").arg(title));
     c.hotKeyTextView->setAccessibleName(tr("Hot key of %1").arg(title));
     c.hotKeyClearButton->setAccessibleName(tr("Clear hot key of %1").arg(title));
+    c.performCommandField->setAccessibleName(tr("Command for %1").arg(title));
     c.expandSwitch->setAccessibleName(tr("Details of %1").arg(title));
     const auto name = [](QWidget *widget, const QString &text) {
         if (widget)

@@ -56,6 +56,8 @@ protected:
 
 private:
     void connectControls();
+    // What a desktop that binds keys itself is to run for this control.
+    QString performCommand() const;
     // The action's detail box, made and connected when first needed.
     QWidget *makeDetailBox(qint64 action);
     void loadParameters(qint64 action);

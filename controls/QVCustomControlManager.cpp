@@ -162,6 +162,29 @@ void QVCustomControlManager::sortControls(const std::function<qsizetype(const QV
         [&rank](const QVCustomControlRef &a, const QVCustomControlRef &b) { return rank(*a) < rank(*b); });
 }
 
+QVCustomControlRef QVCustomControlManager::controlForPerformName(const QString &name, QString *reason) const
+{
+    const auto named = [&name](const QVCustomControlRepresentation &control) {
+        return control.displayTitleWithSuffixes(nullptr).compare(name, Qt::CaseInsensitive) == 0
+            || (!control.title().isEmpty() && control.title().compare(name, Qt::CaseInsensitive) == 0);
+    };
+    // Controls that act come first: a heading may share a title with one.
+    QVCustomControlRef found = controlWithUniqueIdentifier(name);
+    for (const bool acting : { true, false })
+        for (const QVCustomControlRef &control : m_controls)
+            if (!found && (control->action() > 0) == acting && named(*control))
+                found = control;
+    if (!found) {
+        *reason = QStringLiteral("no control is named \"%1\"").arg(name);
+        return nullptr;
+    }
+    if (found->action() <= 0) {
+        *reason = QStringLiteral("\"%1\" is a heading or does nothing: it cannot be performed").arg(name);
+        return nullptr;
+    }
+    return found;
+}
+
 bool QVCustomControlManager::hasAccessibleControlWithStatusItem(bool withStatusItem) const
 {
     for (const QVCustomControlRef &control : m_controls) {

@@ -32,6 +32,10 @@ public:
     const QList<QVCustomControlRef> &controls() const { return m_controls; }
     QJsonArray controlDictionaryRepresentations() const;
     QVCustomControlRef controlWithUniqueIdentifier(const QString &identifier) const;
+    // The control a name given from outside means: its identifier, else its title as
+    // shown, else its own title, ignoring case; the first in the list wins. Null with a
+    // reason when nothing that acts matches.
+    QVCustomControlRef controlForPerformName(const QString &name, QString *reason) const;
 
     // Appends, or inserts below the lowest selected control when asked to.
     QVCustomControlRef addControlWithDictionaryRepresentation(

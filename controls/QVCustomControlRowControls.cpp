@@ -87,6 +87,13 @@ QVCustomControlRowControls::QVCustomControlRowControls(QWidget &row)
     hotKeyClearButton = new QVHotKeyClearButton(&row);
     hotKeyClearButton->setObjectName(QStringLiteral("hotKeyClearButton"));
     hotKeyTextView->setDeleteButton(hotKeyClearButton);
+
+    performCommandField = new QLineEdit(&row);
+    performCommandField->setObjectName(QStringLiteral("performCommandField"));
+    performCommandField->setReadOnly(true);
+    performCommandField->setToolTip(tr("This desktop binds keys itself: bind this command to a key in its settings. "
+                                       "A Move repeats until the same command with --perform-release."));
+    performCommandField->hide();
 }
 
 void QVCustomControlRowControls::makeMoveBox()
@@ -264,6 +271,8 @@ void QVCustomControlRowControls::layOut(int rowWidth)
         clearLeft, headerControlTop + (headerControlHeight - clearButtonSize) / 2, clearButtonSize, clearButtonSize);
     const int fieldLeft = clearLeft - 2 - hotKeyFieldWidth;
     hotKeyTextView->setGeometry(fieldLeft, headerControlTop, hotKeyFieldWidth, headerControlHeight);
+    performCommandField->setGeometry(
+        fieldLeft, headerControlTop, clearLeft + clearButtonSize - fieldLeft, headerControlHeight);
 
     const int popUpWidth = qMin(selectedItemWidth(*actionSelector), fieldLeft - gap - popUpLeft);
     actionSelector->setGeometry(popUpLeft, headerControlTop, popUpWidth, headerControlHeight);

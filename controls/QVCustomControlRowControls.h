@@ -43,6 +43,8 @@ struct QVCustomControlRowControls final {
     QComboBox *actionSelector;
     QVHotKeyTextView *hotKeyTextView;
     QVHotKeyClearButton *hotKeyClearButton;
+    // Instead of the two above where Corvane cannot take keys: the command to bind.
+    QLineEdit *performCommandField;
 
     // Null until made.
     QWidget *moveBox = nullptr;

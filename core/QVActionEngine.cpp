@@ -2,6 +2,7 @@
 
 #include "QVDelayedPerformer.h"
 #include "QVDisplayService.h"
+#include "QVEvent.h"
 #include "QVLog.h"
 #include "QVPointerEvents.h"
 #include "QVScreenGeometry.h"
@@ -117,6 +118,11 @@ bool QVActionEngine::performActionTriggeredByControl(
 QVCustomControlRef QVActionEngine::controlMatchingEvent(const QVEvent *event) const
 {
     for (const QVCustomControlRef &candidate : m_controls()) {
+        if (event && !event->performedControl.isEmpty()) {
+            if (candidate->uniqueIdentifier() == event->performedControl)
+                return candidate;
+            continue;
+        }
         const QVHotKeyRef hotKey = candidate->hotKey();
         if (hotKey && hotKey->matchesEvent(event))
             return candidate;

@@ -65,7 +65,8 @@ QVHotKeyTextView *QVHotKeyRecordingRoute::recordingField() const
 
 bool QVHotKeyRecordingRoute::routeEvent(const QVEventRef &event)
 {
-    if (!event)
+    // A control asked for from outside is no key: it acts even while a field records.
+    if (!event || !event->performedControl.isEmpty())
         return false;
     if (event->type == QVEvent::SystemDefined && event->subtype == QVEvent::HotKeyReleased) {
         if (event->keyCode == m_hotKeyCodeDown)

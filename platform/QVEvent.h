@@ -28,6 +28,9 @@ struct QVEvent final {
     QString charactersIgnoringModifiers;
     bool isModifierKey = false; // key down of a modifier key (Shift, Control, Caps Lock ...) on its own
     QVPoint location; // window coordinates
+    // Hot key events asked for from outside (the command line, D-Bus) name the
+    // control they trigger by its identifier instead of carrying a key.
+    QString performedControl;
 };
 
 using QVEventRef = std::shared_ptr<const QVEvent>;

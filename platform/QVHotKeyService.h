@@ -7,13 +7,12 @@
 
 // How the Caps Lock state takes part in a registration.
 enum class QVCapsLockRule {
-    Ignored,  // pressed with Caps Lock on or off alike
+    Ignored, // pressed with Caps Lock on or off alike
     MustBeOff,
     MustBeOn,
 };
 
-struct QVHotKeyRegistration final
-{
+struct QVHotKeyRegistration final {
     quint16 keyCode = 0;
     quint32 carbonModifiers = 0; // control 0x1000, shift 0x200, command 0x100, option 0x800, fn 0x20000
     QVCapsLockRule capsLock = QVCapsLockRule::Ignored;
@@ -31,7 +30,10 @@ public:
     virtual ~QVHotKeyService() = default;
 
     // A handle, or nothing when the combination is refused; reason says why.
-    virtual std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration,
-                                                 QString *reason = nullptr) = 0;
+    virtual std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason = nullptr)
+        = 0;
     virtual void unregisterHotKey(Handle handle) = 0;
+    // Whether the window system lets Corvane take keys at all. Where it does not (a
+    // wlroots compositor binds keys itself), the desktop binds `corvane --perform`.
+    virtual bool grantsHotKeys() const { return true; }
 };

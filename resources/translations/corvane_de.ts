@@ -223,6 +223,10 @@ Verbreitet unter der MIT-Lizenz.</translation>
         <source>Title of the heading</source>
         <translation>Titel der Überschrift</translation>
     </message>
+    <message>
+        <source>Command for %1</source>
+        <translation>Befehl für %1</translation>
+    </message>
 </context>
 <context>
     <name>QVCustomControlDirectionSelectorView</name>
@@ -503,6 +507,10 @@ Verbreitet unter der MIT-Lizenz.</translation>
     <message>
         <source>None</source>
         <translation>Keine</translation>
+    </message>
+    <message>
+        <source>This desktop binds keys itself: bind this command to a key in its settings. A Move repeats until the same command with --perform-release.</source>
+        <translation>Diese Arbeitsumgebung vergibt Tasten selbst: Binden Sie diesen Befehl in ihren Einstellungen an eine Taste. Eine Bewegung wiederholt sich bis zum selben Befehl mit --perform-release.</translation>
     </message>
 </context>
 <context>

@@ -4,6 +4,7 @@
 #include "QVCustomControlEditor.h"
 #include "QVEditorTestControls.h"
 #include "QVEvent.h"
+#include "QVHotKeyClearButton.h"
 #include "QVHotKeyTextView.h"
 #include "QVPreferencesTestWindow.h"
 
@@ -43,6 +44,7 @@ private Q_SLOTS:
     void editsAreReported();
     void refusalIsShownUnderTheList();
     void everyPartIsNamed();
+    void commandWhereKeysAreNotGranted();
     void screenshots();
 
 private:
@@ -403,6 +405,30 @@ void TestActionsEditor::refusalIsShownUnderTheList()
     keyDown.modifierFlags = 0;
     field->keyDown(keyDown);
     QVERIFY(!field->isRecording());
+}
+
+void TestActionsEditor::commandWhereKeysAreNotGranted()
+{
+    Editor editor;
+    editor.application.platform.hotKeysGranted = false;
+    editor.actions->editor().addControl();
+    editor.actions->editor().addControl();
+    const QVCustomControlRowControls &row = editor.row(1)->controls();
+    QVERIFY(!row.hotKeyTextView->isVisible());
+    QVERIFY(!row.hotKeyClearButton->isVisible());
+    QVERIFY(row.performCommandField->isVisible());
+    // The settings file is not the default one: the command names it, quoted for the shell.
+    const QString identifier = editor.manager.controls().at(1)->uniqueIdentifier();
+    QVERIFY2(row.performCommandField->text().startsWith(QStringLiteral("corvane --settings ")),
+        qPrintable(row.performCommandField->text()));
+    QVERIFY(row.performCommandField->text().endsWith(QStringLiteral(" --perform ") + identifier));
+    QCOMPARE(row.performCommandField->accessibleName(), QStringLiteral("Command for Move Right"));
+    saveScreenshot(*editor.window, QStringLiteral("command"));
+    // A heading has nothing to bind.
+    QComboBox *selector = row.actionSelector;
+    selector->setCurrentIndex(selector->findData(QVAction::Heading));
+    Q_EMIT selector->activated(selector->currentIndex());
+    QVERIFY(!row.performCommandField->isVisible());
 }
 
 void TestActionsEditor::everyPartIsNamed()

@@ -83,6 +83,8 @@ private Q_SLOTS:
     void listOfOtherThanDictionariesIsKeptAside();
     void addBelowSelection_data();
     void addBelowSelection();
+    void performNames_data();
+    void performNames();
 };
 
 void TestControls::dictionaryForm()
@@ -274,6 +276,50 @@ void TestControls::addBelowSelection()
     const QVCustomControlRef added = f.manager.addControlWithDictionaryRepresentation({}, belowSelection);
     QCOMPARE(f.manager.controls().size(), count + 1);
     QCOMPARE(f.manager.controls().indexOf(added), expectedIndex);
+}
+
+void TestControls::performNames_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("expectedIndex"); // -1: nothing performed
+    QTest::newRow("identifier") << QStringLiteral("left-id") << 1;
+    QTest::newRow("title as shown, any case") << QStringLiteral("move LEFT") << 1;
+    QTest::newRow("the first of two with one title") << QStringLiteral("Move Right") << 0;
+    QTest::newRow("own title of an action") << QStringLiteral("press") << 3;
+    QTest::newRow("a heading shares it: the action wins") << QStringLiteral("Pointer") << 4;
+    QTest::newRow("a heading alone") << QStringLiteral("Section") << -1;
+    QTest::newRow("nothing") << QStringLiteral("Move Up") << -1;
+}
+
+void TestControls::performNames()
+{
+    QFETCH(QString, name);
+    QFETCH(int, expectedIndex);
+    Fixture f;
+    const auto add
+        = [&f](const QJsonObject &dictionary) { f.manager.addControlWithDictionaryRepresentation(dictionary, false); };
+    add({ { QStringLiteral("Action"), 31 } });
+    add({ { QStringLiteral("Action"), 31 }, { QStringLiteral("Move Direction"), 9 },
+        { QStringLiteral("Identifier"), QStringLiteral("left-id") } });
+    add({ { QStringLiteral("Action"), 31 } });
+    add({ { QStringLiteral("Action"), 101 }, { QStringLiteral("Title"), QStringLiteral("Press") } });
+    add({ { QStringLiteral("Action"), 102 }, { QStringLiteral("Title"), QStringLiteral("Pointer") } });
+    add({ { QStringLiteral("Action"), -101 }, { QStringLiteral("Title"), QStringLiteral("Section") } });
+    // Before the action of the same title, so that only the preference for actions finds it.
+    f.manager.sortControls([](const QVCustomControlRepresentation &control) { return control.action() < 0 ? 0 : 1; });
+    add({ { QStringLiteral("Action"), -101 }, { QStringLiteral("Title"), QStringLiteral("Pointer") } });
+
+    QString reason;
+    const QVCustomControlRef found = f.manager.controlForPerformName(name, &reason);
+    const QList<QVCustomControlRef> acting = [&f] {
+        QList<QVCustomControlRef> controls;
+        for (const QVCustomControlRef &control : f.manager.controls())
+            if (control->action() > 0)
+                controls.append(control);
+        return controls;
+    }();
+    QCOMPARE(found ? int(acting.indexOf(found)) : -1, expectedIndex);
+    QCOMPARE(reason.isEmpty(), expectedIndex >= 0);
 }
 
 QTEST_GUILESS_MAIN(TestControls)

@@ -65,7 +65,8 @@ void TestX11Lifecycle::missingDisplayIsExplained_data()
     QTest::addColumn<QString>("display");
     QTest::addColumn<QString>("wayland");
     QTest::addColumn<QString>("message");
-    QTest::newRow("no display") << QString() << QString() << QStringLiteral("$DISPLAY is not set");
+    QTest::newRow("no display") << QString() << QString()
+                                << QStringLiteral("neither $WAYLAND_DISPLAY nor $DISPLAY is set");
     QTest::newRow("Wayland without X11") << QString() << QStringLiteral("wayland-0")
                                          << QStringLiteral("Wayland session offers no X11 display");
     QTest::newRow("unreachable display") << QStringLiteral(":999") << QString()

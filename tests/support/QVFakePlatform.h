@@ -36,6 +36,7 @@ public:
         return m_lastHandle;
     }
     void unregisterHotKey(Handle handle) override { activeHotKeys.remove(handle); }
+    bool grantsHotKeys() const override { return hotKeysGranted; }
     RepeatThresholds keyRepeatThresholds() const override { return thresholds; }
     bool takeKeyboard() override { return keyboardTaken = keyboardAvailable; }
     void releaseKeyboard() override { keyboardTaken = false; }
@@ -55,6 +56,7 @@ public:
     QList<QPair<bool, bool>> buttons; // (down, right button), in order
     QList<QVHotKeyRegistration> registrationRequests; // refused ones included
     QMap<Handle, QVHotKeyRegistration> activeHotKeys;
+    bool hotKeysGranted = true;
     QMap<quintptr, bool> listedWindows;
     QList<quintptr> activatedWindows;
     bool keyboardAvailable = true; // false: another client keeps the keyboard
