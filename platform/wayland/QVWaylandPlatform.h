@@ -38,6 +38,7 @@ public:
     bool postMouseButton(bool down, bool rightButton, bool usePrivateSource) override;
     std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason) override;
     void unregisterHotKey(Handle handle) override;
+    bool grantsHotKeys() const override { return false; }
     RepeatThresholds keyRepeatThresholds() const override;
     bool takeKeyboard() override;
     void releaseKeyboard() override;

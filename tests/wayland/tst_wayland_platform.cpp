@@ -68,6 +68,7 @@ private Q_SLOTS:
     void outputRemovedWhileRunning();
     void repeatThresholds_data();
     void repeatThresholds();
+    void hotKeysAreLeftToTheCompositor();
     void compositorGoneMidway();
 
 private:
@@ -305,6 +306,16 @@ void TestWaylandPlatform::repeatThresholds()
     QVERIFY2(setUp(outputs, commands, false), qPrintable(m_error));
     QCOMPARE(m_session.platform().keyRepeatThresholds().initialTicks, initialTicks);
     QCOMPARE(m_session.platform().keyRepeatThresholds().repeatTicks, repeatTicks);
+}
+
+void TestWaylandPlatform::hotKeysAreLeftToTheCompositor()
+{
+    QVERIFY2(setUp(Outputs::Headless, {}, false), qPrintable(m_error));
+    QVWaylandPlatform &platform = m_session.platform();
+    QVERIFY(!platform.grantsHotKeys());
+    QString reason;
+    QVERIFY(!platform.registerHotKey({ 38, 0x1000, QVCapsLockRule::Ignored, 0, 1 }, &reason));
+    QVERIFY2(reason.contains(QLatin1String("corvane --perform")), qPrintable(reason));
 }
 
 void TestWaylandPlatform::compositorGoneMidway()
