@@ -69,6 +69,17 @@ QWidget *newDetailBox(const QString &objectName, const QString &name, QWidget &r
     return box;
 }
 
+// A detail box's grid: the selector at the left over three rows, its settings beside it.
+QGridLayout *newSelectorGrid(QWidget &box, QWidget &selector)
+{
+    auto *grid = new QGridLayout(&box);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(14);
+    grid->setVerticalSpacing(4);
+    grid->addWidget(&selector, 0, 0, 3, 1, Qt::AlignTop);
+    return grid;
+}
+
 } // namespace
 
 QVCustomControlRowControls::QVCustomControlRowControls(QWidget &row)
@@ -111,11 +122,7 @@ void QVCustomControlRowControls::makeMoveBox()
     moveAccelerateSwitch = newSwitch(titleOf("Accelerate"), QStringLiteral("moveAccelerateSwitch"), moveBox);
     moveConfinedToDisplaySwitch
         = newSwitch(titleOf("Confine to Display"), QStringLiteral("moveConfinedToDisplaySwitch"), moveBox);
-    auto *moveLayout = new QGridLayout(moveBox);
-    moveLayout->setContentsMargins(0, 0, 0, 0);
-    moveLayout->setHorizontalSpacing(14);
-    moveLayout->setVerticalSpacing(4);
-    moveLayout->addWidget(moveDirectionSelector, 0, 0, 3, 1, Qt::AlignTop);
+    QGridLayout *moveLayout = newSelectorGrid(*moveBox, *moveDirectionSelector);
     auto *deltaRow = new QHBoxLayout;
     deltaRow->addWidget(deltaLabel);
     deltaRow->addWidget(moveDeltaSelector);
@@ -145,11 +152,7 @@ void QVCustomControlRowControls::makeOtherDisplayBox()
         tr("Reposition Proportionally"), QStringLiteral("moveToOtherDisplayRepositionSwitch"), otherDisplayBox);
     moveToOtherDisplayLoopSwitch
         = newSwitch(tr("Loop Through Displays"), QStringLiteral("moveToOtherDisplayLoopSwitch"), otherDisplayBox);
-    auto *otherDisplayLayout = new QGridLayout(otherDisplayBox);
-    otherDisplayLayout->setContentsMargins(0, 0, 0, 0);
-    otherDisplayLayout->setHorizontalSpacing(14);
-    otherDisplayLayout->setVerticalSpacing(4);
-    otherDisplayLayout->addWidget(moveToOtherDisplayDirectionSelector, 0, 0, 3, 1, Qt::AlignTop);
+    QGridLayout *otherDisplayLayout = newSelectorGrid(*otherDisplayBox, *moveToOtherDisplayDirectionSelector);
     otherDisplayLayout->addWidget(moveToOtherDisplayRepositionSwitch, 0, 1);
     otherDisplayLayout->addWidget(moveToOtherDisplayLoopSwitch, 1, 1);
     otherDisplayLayout->setRowStretch(2, 1);
