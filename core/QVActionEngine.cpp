@@ -117,8 +117,10 @@ bool QVActionEngine::performActionTriggeredByControl(
 
 QVCustomControlRef QVActionEngine::controlMatchingEvent(const QVEvent *event) const
 {
+    // Asked for from outside: the event names its control instead of carrying a key.
+    const bool named = event && !event->performedControl.isEmpty();
     for (const QVCustomControlRef &candidate : m_controls()) {
-        if (event && !event->performedControl.isEmpty()) {
+        if (named) {
             if (candidate->uniqueIdentifier() == event->performedControl)
                 return candidate;
             continue;
