@@ -13,7 +13,6 @@ namespace
 
 constexpr int startDeadlineMilliseconds = 20000;
 
-
 } // namespace
 
 QList<QVTestXServer::Monitor> QVTestXServer::threeMonitors()
@@ -159,4 +158,17 @@ QString QVTestXServer::run(const QString &program, const QStringList &arguments)
     if (output.isNull())
         output = QLatin1String(""); // success with nothing printed is not failure
     return output;
+}
+
+std::unique_ptr<QVTestXServer> QVTestXServer::startXvfbForThisProcess(int width, int height)
+{
+    QString error;
+    std::unique_ptr<QVTestXServer> server = startXvfb(width, height, &error);
+    if (!server) {
+        qCritical("%s", qPrintable(error));
+        return nullptr;
+    }
+    qputenv("DISPLAY", server->displayName().toLatin1());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    return server;
 }

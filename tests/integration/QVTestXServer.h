@@ -26,6 +26,9 @@ public:
     // One screen of the given size. A server that resets starts afresh whenever its
     // last client leaves, as a display manager's server does.
     static std::unique_ptr<QVTestXServer> startXvfb(int width, int height, QString *error, bool resets = false);
+    // An Xvfb for this process's own Qt application, named in $DISPLAY before the
+    // application is made; null (the reason printed) when it cannot start.
+    static std::unique_ptr<QVTestXServer> startXvfbForThisProcess(int width, int height);
     // Xorg with the dummy driver and RandR monitors carved out of one large screen.
     static std::unique_ptr<QVTestXServer> startXorg(
         int width, int height, const QList<Monitor> &monitors, QString *error);

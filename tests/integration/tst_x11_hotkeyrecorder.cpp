@@ -312,14 +312,10 @@ void TestX11HotKeyRecorder::cleanup()
 
 int main(int argc, char *argv[])
 {
-    QString error;
-    const std::unique_ptr<QVTestXServer> server = QVTestXServer::startXvfb(1280, 800, &error);
-    if (!server) {
-        qCritical("%s", qPrintable(error));
+    const std::unique_ptr<QVTestXServer> server = QVTestXServer::startXvfbForThisProcess(1280, 800);
+    if (!server)
         return 1;
-    }
-    qputenv("DISPLAY", server->displayName().toLatin1());
-    qputenv("QT_QPA_PLATFORM", "xcb");
+    QString error;
     QApplication application(argc, argv);
     std::unique_ptr<QVX11Connection> connection = QVX11Connection::open(server->displayName().toLatin1(), &error);
     std::unique_ptr<QVX11Platform> platform = connection ? QVX11Platform::open(std::move(connection), &error) : nullptr;
