@@ -57,5 +57,7 @@ QString QVCommandLine::helpText()
                           "  --help                     show this text\n"
                           "  --version                  show the version\n"
                           "\n"
-                          "Corvane needs an X11 display ($DISPLAY); its Wayland back end is in the making.\n");
+                          "Corvane drives the session's window system: X11 ($DISPLAY), or Wayland\n"
+                          "($WAYLAND_DISPLAY) on compositors built on wlroots, where the compositor's\n"
+                          "key bindings run corvane --perform.\n");
 }

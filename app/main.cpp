@@ -6,13 +6,11 @@
 #include "QVInstalledResources.h"
 #include "QVLog.h"
 #include "QVMainController.h"
-#include "QVPlatformChoice.h"
+#include "QVPlatformOpening.h"
 #include "QVSingleInstance.h"
 #include "QVTimerDelayedPerformer.h"
 #include "QVUnixSignalWatcher.h"
 #include "QVUserDefaults.h"
-#include "QVX11Connection.h"
-#include "QVX11Platform.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -36,54 +34,7 @@ void printLine(std::FILE *stream, const QString &text)
     std::fputs(text.toLocal8Bit().constData(), stream);
 }
 
-void printUnreachable()
-{
-    printLine(stderr,
-        QStringLiteral("corvane: cannot open X11 display \"%1\". Corvane needs a running X "
-                       "server that this user may connect to.\n")
-            .arg(QString::fromLocal8Bit(qgetenv("DISPLAY"))));
-}
-
-// Says plainly what is missing before Qt gives up on its own terms; false when Corvane cannot run.
-bool chooseX11(const QString &requested)
-{
-    const QVPlatformChoice::Session session = QVPlatformChoice::currentSession();
-    const QVPlatformChoice choice = QVPlatformChoice::choose(requested, session);
-    switch (choice.kind) {
-    case QVPlatformChoice::Kind::X11:
-        if (!choice.reason.isEmpty())
-            printLine(stderr, QStringLiteral("corvane: %1\n").arg(choice.reason));
-        return true;
-    case QVPlatformChoice::Kind::None:
-        printLine(stderr, QStringLiteral("corvane: %1. Corvane needs an X11 session.\n").arg(choice.reason));
-        return false;
-    case QVPlatformChoice::Kind::Wayland: break;
-    }
-    // Until the Wayland back end is built in, XWayland is the way: it reaches only X11 windows.
-    if (!requested.isEmpty() || session.display.isEmpty()) {
-        printLine(stderr,
-            session.display.isEmpty()
-                ? QStringLiteral("corvane: this Wayland session offers no X11 display ($DISPLAY is not set), "
-                                 "and this Corvane drives X11 only: log in to an X11 session, or run XWayland.\n")
-                : QStringLiteral("corvane: this Corvane drives X11 only: start it without --platform wayland.\n"));
-        return false;
-    }
-    printLine(stderr,
-        QStringLiteral("corvane: Wayland session: driving X11 through XWayland, which reaches X11 windows only\n"));
-    return true;
-}
-
-// The connection that proves the display reachable is kept and becomes Corvane's own: a
-// probe closed before Qt connects can be a server's last client, and a server that resets
-// as its last client leaves may then be mid-reset when Qt connects.
-std::unique_ptr<QVX11Connection> openDisplay()
-{
-    const QByteArray display = qgetenv("DISPLAY");
-    std::unique_ptr<QVX11Connection> connection = QVX11Connection::open(display, nullptr);
-    if (!connection)
-        printUnreachable();
-    return connection;
-}
+QString fatalDisplayName;
 
 // Qt ends a failed connection of its own with an abort; Corvane ends it with its message.
 void exitOnQtFatal(QtMsgType type, const QMessageLogContext &, const QString &message)
@@ -92,9 +43,8 @@ void exitOnQtFatal(QtMsgType type, const QMessageLogContext &, const QString &me
         printLine(stderr, message + u'\n');
         return;
     }
-    printLine(stderr,
-        QStringLiteral("corvane: cannot use X11 display \"%1\": %2\n")
-            .arg(QString::fromLocal8Bit(qgetenv("DISPLAY")), message.section(u'\n', 0, 0)));
+    printLine(
+        stderr, QStringLiteral("corvane: cannot use %1: %2\n").arg(fatalDisplayName, message.section(u'\n', 0, 0)));
     std::_Exit(1);
 }
 
@@ -133,12 +83,18 @@ int main(int argc, char **argv)
     if (!commandLine.performName.isEmpty())
         return askToPerform(settingsPath, commandLine, argc, argv);
 
-    if (!chooseX11(commandLine.platform))
+    QString error;
+    QString notice;
+    std::unique_ptr<QVPlatformOpening> opening = QVPlatformOpening::begin(commandLine.platform, &error, &notice);
+    if (!notice.isEmpty())
+        printLine(stderr, QStringLiteral("corvane: %1\n").arg(notice));
+    if (!opening) {
+        printLine(stderr, QStringLiteral("corvane: %1.\n").arg(error));
         return 1;
-    std::unique_ptr<QVX11Connection> connection = openDisplay();
-    if (!connection)
-        return 1;
-    qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+    // Corvane's windows live on the window system it drives.
+    qputenv("QT_QPA_PLATFORM", opening->qtPlatformName());
+    fatalDisplayName = opening->displayName();
 
     const QtMessageHandler previousHandler = qInstallMessageHandler(exitOnQtFatal);
     QVEventParserApplication application(argc, argv);
@@ -149,7 +105,6 @@ int main(int argc, char **argv)
     QVInstalledResources::installTranslators(application);
 
     // Before any key is grabbed: a second Corvane on the same settings only asks the first to reopen.
-    QString error;
     QVSingleInstance singleInstance(settingsPath);
     switch (singleInstance.claimOrAskToReopen(&error)) {
     case QVSingleInstance::Outcome::Claimed: break;
@@ -157,7 +112,7 @@ int main(int argc, char **argv)
     case QVSingleInstance::Outcome::Failed: printLine(stderr, QStringLiteral("corvane: %1\n").arg(error)); return 1;
     }
 
-    std::unique_ptr<QVX11Platform> platform = QVX11Platform::open(std::move(connection), &error);
+    std::unique_ptr<QVPlatform> platform = opening->finish(&error);
     if (!platform) {
         printLine(stderr, QStringLiteral("corvane: %1\n").arg(error));
         return 1;
@@ -205,8 +160,8 @@ int main(int argc, char **argv)
 
     controller.applicationWillFinishLaunching();
     controller.applicationDidFinishLaunching();
-    QVLog(QStringLiteral("started on display %1 with %2 controls, settings in %3")
-              .arg(QString::fromLocal8Bit(qgetenv("DISPLAY")))
+    QVLog(QStringLiteral("started on %1 with %2 controls, settings in %3")
+              .arg(opening->displayName())
               .arg(controller.customControlManager().controls().size())
               .arg(defaults.filePath()));
     const int status = QVEventParserApplication::exec();

@@ -206,7 +206,7 @@ int main(int argc, char **argv)
         std::string log;
         const auto begin = Clock::now();
         Started process = spawn(corvane, settings);
-        if (waitForLine(process.stderrPipe, "started on display", log))
+        if (waitForLine(process.stderrPipe, "started on ", log))
             toHotKeys.push_back(millisecondsSince(begin));
         stop(process);
 
@@ -226,7 +226,7 @@ int main(int argc, char **argv)
     writeSettings(settings, 1, true);
     std::string log;
     Started process = spawn(corvane, settings);
-    if (!waitForLine(process.stderrPipe, "started on display", log))
+    if (!waitForLine(process.stderrPipe, "started on ", log))
         return 1;
     std::this_thread::sleep_for(std::chrono::seconds(2));
     std::printf("resident memory after start, tray icon, window never opened: %.1f MB (goal < 30 MB)\n",

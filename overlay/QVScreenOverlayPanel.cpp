@@ -20,7 +20,7 @@ QRectF toQRect(const QVRect &rect)
 } // namespace
 
 QVScreenOverlayPanel::QVScreenOverlayPanel(QVPlatform &platform, const QVRect &frame)
-    : QVSelfDrawingOverlayWindow(platform, frame)
+    : QVSelfDrawingOverlayWindow(platform, frame, false, Keyboard::TakenWhileShown)
 {
     stepsChanged();
 }

@@ -1,9 +1,10 @@
 #include "QVSelfDrawingOverlayWindow.h"
 
 #include "QVBezel.h"
+#include "QVNativeWindowSystem.h"
+#include "QVOverlaySurface.h"
 #include "QVPlatform.h"
 #include "QVScreenGeometry.h"
-#include "QVNativeWindowSystem.h"
 
 #include <QGuiApplication>
 #include <QPaintEvent>
@@ -14,16 +15,19 @@
 
 #include <malloc.h>
 
-namespace {
+namespace
+{
 constexpr int releaseDelayMilliseconds = 5000;
 }
 
-QVSelfDrawingOverlayWindow::QVSelfDrawingOverlayWindow(QVPlatform &platform, const QVRect &frame, bool flipContent)
-    : QVAlphaValueAnimationWindow(nullptr, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
-                                               | Qt::X11BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus
-                                               | Qt::NoDropShadowWindowHint),
-      m_platform(platform),
-      m_flipContent(flipContent)
+QVSelfDrawingOverlayWindow::QVSelfDrawingOverlayWindow(
+    QVPlatform &platform, const QVRect &frame, bool flipContent, Keyboard keyboard)
+    : QVAlphaValueAnimationWindow(nullptr,
+        Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::X11BypassWindowManagerHint
+            | Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint)
+    , m_platform(platform)
+    , m_flipContent(flipContent)
+    , m_keyboard(keyboard)
 {
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
@@ -35,21 +39,123 @@ QVSelfDrawingOverlayWindow::QVSelfDrawingOverlayWindow(QVPlatform &platform, con
     setFrame(frame);
 }
 
+QVSelfDrawingOverlayWindow::~QVSelfDrawingOverlayWindow() = default;
+
 void QVSelfDrawingOverlayWindow::setFrame(const QVRect &frame)
 {
     m_frame = frame;
     // Window coordinates to the window system's: flip against the primary display.
     const QVDisplayList displays = m_platform.displays();
     const QVRect global = QVGlobalCGRectFromNSRect(frame, displays);
-    const QVPoint origin = m_platform.windowSystemPointFromGlobal({global.x, global.y});
+    const QVPoint origin = m_platform.windowSystemPointFromGlobal({ global.x, global.y });
     const QRect native(int(std::lround(origin.x)), int(std::lround(origin.y)), int(std::lround(frame.width)),
-                       int(std::lround(frame.height)));
+        int(std::lround(frame.height)));
     QScreen *screen = nullptr;
     const QRect logical = logicalGeometry(native, &screen);
     if (screen)
         setScreen(screen);
     setGeometry(logical);
+    followFrameWithSurface();
     redisplay();
+}
+
+void QVSelfDrawingOverlayWindow::followFrameWithSurface()
+{
+    // A platform that offered no surface at first never will (X11 has no need).
+    if (!m_surfacesOffered.value_or(true))
+        return;
+    const QVDisplayList displays = m_platform.displays();
+    const QVDisplay *display = displayCoveredBy(m_frame, displays);
+    // Without a display under the frame (one unplugged just now), the surface stays.
+    if (!display || (m_surface && display->name == m_surfaceDisplay))
+        return;
+    const bool wasShown = m_surface && m_surface->isVisible();
+    m_surface.reset(); // hidden first: two overlays never fight for the keyboard
+    m_surfaceContentValid = false;
+    m_surface = m_platform.createOverlaySurface(*display, m_keyboard == Keyboard::TakenWhileShown);
+    if (!m_surfacesOffered)
+        m_surfacesOffered = m_surface != nullptr;
+    m_surfaceDisplay = m_surface ? display->name : QString();
+    if (m_surface && wasShown) {
+        m_area = deviceArea();
+        presentOnSurface(QRegion());
+        m_surface->setVisible(true);
+    }
+}
+
+const QVDisplay *QVSelfDrawingOverlayWindow::displayCoveredBy(const QVRect &frame, const QList<QVDisplay> &displays)
+{
+    for (const QVDisplay &display : displays) {
+        if (display.frame == frame)
+            return &display;
+    }
+    const QVPoint centre = frame.center();
+    for (const QVDisplay &display : displays) {
+        const QVRect &f = display.frame;
+        if (centre.x >= f.x && centre.x < f.maxX() && centre.y >= f.y && centre.y < f.maxY())
+            return &display;
+    }
+    return nullptr;
+}
+
+void QVSelfDrawingOverlayWindow::presentOnSurface(const QRegion &damage)
+{
+    if (!m_surface)
+        return;
+    const QSize size = m_surface->pixelSize();
+    if (!m_surfaceContentValid || m_surfaceContent.size() != size) {
+        m_surfaceContent = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        m_surfaceContent.fill(Qt::transparent);
+        QPainter painter(&m_surfaceContent);
+        paintContent(painter, m_surface->scale());
+        m_surfaceContentValid = true;
+    }
+    if (alphaValue() >= 1.0) {
+        m_surface->setPicture(m_surfaceContent, damage);
+        return;
+    }
+    // The whole picture fades as one, as a window's opacity does: overlapping strokes do not add up.
+    QImage faded(size, QImage::Format_ARGB32_Premultiplied);
+    faded.fill(Qt::transparent);
+    QPainter painter(&faded);
+    painter.setOpacity(alphaValue());
+    painter.drawImage(0, 0, m_surfaceContent);
+    painter.end();
+    m_surface->setPicture(faded, damage);
+}
+
+void QVSelfDrawingOverlayWindow::setAlphaValue(double alphaValue)
+{
+    QVAlphaValueAnimationWindow::setAlphaValue(alphaValue);
+    if (m_surface && m_surface->isVisible())
+        presentOnSurface(m_area);
+}
+
+bool QVSelfDrawingOverlayWindow::isWindowVisible() const
+{
+    return m_surface ? m_surface->isVisible() : QVAlphaValueAnimationWindow::isWindowVisible();
+}
+
+void QVSelfDrawingOverlayWindow::orderFront()
+{
+    if (!m_surface) {
+        QVAlphaValueAnimationWindow::orderFront();
+        return;
+    }
+    m_releaseTimer.stop();
+    m_area = deviceArea();
+    presentOnSurface(QRegion());
+    m_surface->setVisible(true);
+}
+
+void QVSelfDrawingOverlayWindow::closeWindow()
+{
+    if (!m_surface) {
+        QVAlphaValueAnimationWindow::closeWindow();
+        return;
+    }
+    m_surface->setVisible(false);
+    m_releaseTimer.start();
 }
 
 QRect QVSelfDrawingOverlayWindow::logicalGeometry(const QRect &native, QScreen **screenOut)
@@ -63,16 +169,25 @@ QRect QVSelfDrawingOverlayWindow::logicalGeometry(const QRect &native, QScreen *
         if (!nativeArea.contains(native.topLeft()))
             continue;
         *screenOut = screen;
-        return {origin + (native.topLeft() - origin) / ratio, (QSizeF(native.size()) / ratio).toSize()};
+        return { origin + (native.topLeft() - origin) / ratio, (QSizeF(native.size()) / ratio).toSize() };
     }
     const QScreen *primary = QGuiApplication::primaryScreen();
     const double ratio = primary ? primary->devicePixelRatio() : 1.0;
     *screenOut = nullptr;
-    return {native.topLeft() / ratio, (QSizeF(native.size()) / ratio).toSize()};
+    return { native.topLeft() / ratio, (QSizeF(native.size()) / ratio).toSize() };
 }
 
 void QVSelfDrawingOverlayWindow::redisplay()
 {
+    if (m_surface) {
+        m_surfaceContentValid = false;
+        if (!m_surface->isVisible())
+            return; // drawn when it shows
+        const QRegion area = deviceArea();
+        presentOnSurface(m_area + area);
+        m_area = area;
+        return;
+    }
     if (!isVisible()) {
         update(); // the area and the shape are made when it shows
         return;
@@ -85,14 +200,14 @@ void QVSelfDrawingOverlayWindow::redisplay()
 
 QVRect QVSelfDrawingOverlayWindow::drawingBounds() const
 {
-    return m_flipContent ? QVRect{0.0, 0.0, m_frame.width, m_frame.height} : m_frame;
+    return m_flipContent ? QVRect { 0.0, 0.0, m_frame.width, m_frame.height } : m_frame;
 }
 
 void QVSelfDrawingOverlayWindow::drawOverlayInBounds(QPainter &painter, const QVRect &bounds)
 {
     QVDrawBorderFrameInRect(painter, QColor::fromRgbF(0.7f, 0.7f, 0.7f, 0.95f), bounds);
     painter.fillRect(QRectF(bounds.x + 1.0, bounds.y + 1.0, bounds.width - 2.0, bounds.height - 2.0),
-                     QColor::fromRgbF(0.0f, 0.0f, 0.0f, 0.13f));
+        QColor::fromRgbF(0.0f, 0.0f, 0.0f, 0.13f));
 }
 
 QList<QVRect> QVSelfDrawingOverlayWindow::drawingAreaInBounds(const QVRect &) const
@@ -102,7 +217,7 @@ QList<QVRect> QVSelfDrawingOverlayWindow::drawingAreaInBounds(const QVRect &) co
 
 QRegion QVSelfDrawingOverlayWindow::deviceArea() const
 {
-    const QRect whole(QPoint(0, 0), size() * devicePixelRatioF());
+    const QRect whole(QPoint(0, 0), m_surface ? m_surface->pixelSize() : size() * devicePixelRatioF());
     const QList<QVRect> area = drawingAreaInBounds(drawingBounds());
     if (area.isEmpty())
         return whole;
@@ -114,12 +229,14 @@ QRegion QVSelfDrawingOverlayWindow::deviceArea() const
 
 QRect QVSelfDrawingOverlayWindow::deviceRect(const QVRect &rect) const
 {
-    // Whole pixels covering the rectangle, counted from the window's top left.
-    const double left = m_flipContent ? rect.x : rect.x - m_frame.x;
-    const double top = m_flipContent ? rect.y : m_frame.maxY() - rect.maxY();
+    // Whole pixels covering the rectangle, counted from the window's top left. An
+    // overlay surface's picture has the display's scale; X11 frames are in pixels.
+    const double scale = m_surface ? m_surface->scale() : 1.0;
+    const double left = (m_flipContent ? rect.x : rect.x - m_frame.x) * scale;
+    const double top = (m_flipContent ? rect.y : m_frame.maxY() - rect.maxY()) * scale;
     const int x = int(std::floor(left));
     const int y = int(std::floor(top));
-    return {x, y, int(std::ceil(left + rect.width)) - x, int(std::ceil(top + rect.height)) - y};
+    return { x, y, int(std::ceil(left + rect.width * scale)) - x, int(std::ceil(top + rect.height * scale)) - y };
 }
 
 QRegion QVSelfDrawingOverlayWindow::logicalRegion(const QRegion &device) const
@@ -129,8 +246,8 @@ QRegion QVSelfDrawingOverlayWindow::logicalRegion(const QRegion &device) const
     for (const QRect &rect : device) {
         const int x = int(std::floor(rect.left() / ratio));
         const int y = int(std::floor(rect.top() / ratio));
-        logical += QRect(x, y, int(std::ceil((rect.right() + 1) / ratio)) - x,
-                         int(std::ceil((rect.bottom() + 1) / ratio)) - y);
+        logical += QRect(
+            x, y, int(std::ceil((rect.right() + 1) / ratio)) - x, int(std::ceil((rect.bottom() + 1) / ratio)) - y);
     }
     return logical;
 }
@@ -187,8 +304,10 @@ void QVSelfDrawingOverlayWindow::hideEvent(QHideEvent *event)
 
 void QVSelfDrawingOverlayWindow::releaseWhileHidden()
 {
-    if (isVisible())
+    if (isWindowVisible())
         return;
+    m_surfaceContent = QImage();
+    m_surfaceContentValid = false;
     // An overlay holds a display's worth of pixels twice over (its picture and
     // Qt's backing store, shared with the X server); an idle Corvane keeps neither.
     // Showing it again makes a new native window, which takes a few milliseconds.
@@ -202,7 +321,7 @@ void QVSelfDrawingOverlayWindow::updateShape(const QRegion &area)
     if (!m_shaped)
         return;
     // No compositor: the window shows only the pixels it draws.
-    const QRegion drawn = m_shapedPicture.redraw(size() * devicePixelRatioF(), area,
-                                                 [this](QPainter &painter) { paintContent(painter, 1.0); });
+    const QRegion drawn = m_shapedPicture.redraw(
+        size() * devicePixelRatioF(), area, [this](QPainter &painter) { paintContent(painter, 1.0); });
     QVSetWindowShape(*this, &drawn);
 }

@@ -4,26 +4,38 @@
 #include "QVGeometry.h"
 #include "QVShapedPicture.h"
 
+#include <QImage>
 #include <QList>
 #include <QRegion>
 #include <QTimer>
 
+#include <memory>
+#include <optional>
+
 class QPainter;
 class QScreen;
+class QVOverlaySurface;
 class QVPlatform;
+struct QVDisplay;
 
 // A borderless window that floats above every other window, lets the mouse
 // through and draws its whole content through drawOverlayInBounds. Its frame is
-// in window coordinates and device pixels, like the display frames. With a
-// compositing manager it is translucent; without one it is shaped to what it
-// draws, so the desktop stays visible around it.
+// in window coordinates, like the display frames. With a compositing manager it
+// is translucent; without one it is shaped to what it draws, so the desktop stays
+// visible around it. Where the platform offers overlay surfaces (Wayland, whose
+// compositors place Qt's windows as they see fit), the picture goes there instead
+// and the widget itself never shows.
 class QVSelfDrawingOverlayWindow : public QVAlphaValueAnimationWindow
 {
     Q_OBJECT
 
 public:
+    enum class Keyboard { Left, TakenWhileShown };
+
     // flipContent: the drawing sees y growing downwards from the top left.
-    QVSelfDrawingOverlayWindow(QVPlatform &platform, const QVRect &frame, bool flipContent = false);
+    QVSelfDrawingOverlayWindow(
+        QVPlatform &platform, const QVRect &frame, bool flipContent = false, Keyboard keyboard = Keyboard::Left);
+    ~QVSelfDrawingOverlayWindow() override;
 
     QVRect frame() const { return m_frame; }
     void setFrame(const QVRect &frame);
@@ -31,6 +43,11 @@ public:
     // Overlays fade in ten steps.
     double alphaValueAnimationQuantum() const override { return 0.1; }
     bool canBecomeKeyWindow() const override { return false; }
+
+    void setAlphaValue(double alphaValue) override;
+    bool isWindowVisible() const override;
+    void orderFront() override;
+    void closeWindow() override;
 
 protected:
     // The picture, drawn in bounds that share the frame's coordinates (flipped:
@@ -60,6 +77,11 @@ private:
     void paintContent(QPainter &painter, double scale);
     void updateShape(const QRegion &area);
     void releaseWhileHidden();
+    // The overlay surface for the display the frame covers, kept while it stays there.
+    void followFrameWithSurface();
+    static const QVDisplay *displayCoveredBy(const QVRect &frame, const QList<QVDisplay> &displays);
+    // Draws the picture at the current alpha onto the overlay surface.
+    void presentOnSurface(const QRegion &damage);
 
     QVPlatform &m_platform;
     QVRect m_frame;
@@ -68,4 +90,10 @@ private:
     bool m_shaped = false;
     QVShapedPicture m_shapedPicture;
     QTimer m_releaseTimer;
+    Keyboard m_keyboard;
+    std::unique_ptr<QVOverlaySurface> m_surface;
+    QString m_surfaceDisplay;
+    std::optional<bool> m_surfacesOffered;
+    QImage m_surfaceContent; // the picture at full alpha, device pixels
+    bool m_surfaceContentValid = false;
 };

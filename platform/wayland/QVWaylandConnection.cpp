@@ -23,11 +23,19 @@ bool socketReadable(wl_display *display)
 std::unique_ptr<QVWaylandConnection> QVWaylandConnection::open(const QString &socketName, QString *error)
 {
     const QByteArray name = QFile::encodeName(socketName);
+    const QString shownName = socketName.isEmpty() ? qEnvironmentVariable("WAYLAND_DISPLAY") : socketName;
+    // libwayland would say this on its own, in words of its own, besides Corvane's message.
+    const QString effectiveName = shownName.isEmpty() ? QStringLiteral("wayland-0") : shownName;
+    if (!effectiveName.startsWith(u'/') && qEnvironmentVariable("XDG_RUNTIME_DIR").isEmpty()) {
+        if (error)
+            *error = QStringLiteral("cannot connect to the Wayland compositor \"%1\": $XDG_RUNTIME_DIR is not set")
+                         .arg(effectiveName);
+        return nullptr;
+    }
     wl_display *display = wl_display_connect(name.isEmpty() ? nullptr : name.constData());
     if (!display) {
         if (error)
-            *error = QStringLiteral("cannot connect to the Wayland compositor \"%1\"")
-                         .arg(socketName.isEmpty() ? qEnvironmentVariable("WAYLAND_DISPLAY") : socketName);
+            *error = QStringLiteral("cannot connect to the Wayland compositor \"%1\"").arg(shownName);
         return nullptr;
     }
     return std::unique_ptr<QVWaylandConnection>(new QVWaylandConnection(display));

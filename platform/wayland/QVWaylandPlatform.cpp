@@ -12,6 +12,8 @@
 #include "wlr-virtual-pointer-unstable-v1-client-protocol.h"
 #include "xdg-output-unstable-v1-client-protocol.h"
 
+#include <QCoreApplication>
+
 #include <wayland-client.h>
 
 #include <algorithm>
@@ -172,8 +174,14 @@ bool QVWaylandPlatform::initialize(QString *error)
         QVLog(QStringLiteral("the Wayland compositor offers no virtual keyboard: clicks carry the modifiers held"));
     m_pointer->create(globals.pointerManager, globals.seat);
     m_connection->flush();
-    m_connection->startWatching();
+    if (QCoreApplication::instance())
+        startWatching();
     return true;
+}
+
+void QVWaylandPlatform::startWatching()
+{
+    m_connection->startWatching();
 }
 
 void QVWaylandPlatform::processEvents() const

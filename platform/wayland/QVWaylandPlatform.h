@@ -26,9 +26,13 @@ class QVWaylandPlatform final : public QVPlatform
 {
 public:
     // Connects to the compositor named by WAYLAND_DISPLAY, or by socketName. Nothing,
-    // with error set, when there is none or it offers no virtual pointer.
+    // with error set, when there is none or it offers no virtual pointer. Opened
+    // before the application exists, it reads events only from startWatching() on.
     static std::unique_ptr<QVWaylandPlatform> open(QString *error, const QString &socketName = QString());
     ~QVWaylandPlatform() override;
+
+    // Reads the compositor's events from the application's event loop.
+    void startWatching();
 
     QVDisplayList displays() const override;
     QVPoint mouseLocation() const override;

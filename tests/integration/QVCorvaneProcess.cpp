@@ -54,7 +54,7 @@ bool QVCorvaneProcess::start()
         return false;
     QDeadlineTimer deadline(readyDeadlineMilliseconds);
     while (!deadline.hasExpired() && isRunning()) {
-        if (log().contains(QLatin1String("started on display")))
+        if (log().contains(QLatin1String("started on ")))
             return true;
         m_process.waitForReadyRead(50);
     }

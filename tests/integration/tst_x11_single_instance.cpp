@@ -74,7 +74,7 @@ void TestX11SingleInstance::secondLaunchReopensTheFirst()
             launch(QStringLiteral("%1/./same.json").arg(QFileInfo(settings).path()), m_runtime));
         QCOMPARE(second->exitStatus(), QProcess::NormalExit);
         QCOMPARE(second->exitCode(), 0);
-        QVERIFY(!second->readAllStandardError().contains("started on display"));
+        QVERIFY(!second->readAllStandardError().contains("started on "));
         QTRY_COMPARE(first.logLines(QStringLiteral("launched again")).size(), launchCount);
     }
     QVERIFY(first.isRunning());
