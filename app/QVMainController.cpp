@@ -375,7 +375,7 @@ void QVMainController::performOverlayPanelAction()
         return;
     const QVDisplayService::Snapshot snapshot = m_platform.displaysAndMouseLocation();
     const QVPoint target = QVPointConfinedToRect(m_overlayPanel->frame(), m_overlayPanel->focusPoint());
-    if (!(target == snapshot.mouseLocation))
+    if (!(target == snapshot.mouseLocation) || m_platform.isMouseLocationApproximate())
         QVPostMouseMovedEvent(m_platform, true, target, snapshot.displays);
     m_overlayPanel->setActive(false);
 }

@@ -81,6 +81,7 @@ bool QVActionEngine::performActionTriggeredByControl(
     const QVDisplay *display = screenAtPosition(QVPosition::None, location, displays);
     const QVRect frame = display ? display->frame : QVRect {};
     QVPoint target = location;
+    bool aimed = true; // whether the action puts the pointer somewhere
 
     switch (control->action()) {
     case QVAction::MoveToCenter: target = frame.center(); break;
@@ -106,11 +107,17 @@ bool QVActionEngine::performActionTriggeredByControl(
             m_screenSection->performOverlayPanelAction(); // the same hot key again confirms
         else
             m_screenSection->activateOverlayWithFrame(frame);
+        aimed = false;
         break;
-    default: QVLog(QStringLiteral("unknown action")); break;
+    default:
+        QVLog(QStringLiteral("unknown action"));
+        aimed = false;
+        break;
     }
 
-    if (!(target == location))
+    // Where the pointer is may be a guess (Wayland): then it is put there even when the
+    // guess says it is there already.
+    if (aimed && (!(target == location) || m_displays.isMouseLocationApproximate()))
         QVPostMouseMovedEvent(m_pointer, true, target, displays);
     return true;
 }

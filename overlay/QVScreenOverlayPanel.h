@@ -45,10 +45,12 @@ public:
 
 protected:
     void drawOverlayInBounds(QPainter &painter, const QVRect &bounds) override;
+    // Gone with its display: as losing the keyboard, it closes without moving the pointer.
+    void surfaceClosed() override { resignKeyWindow(); }
 
 private:
-    void drawOverlayInBounds(QPainter &painter, const QVRect &bounds, double emphasis, const QColor &color,
-                             bool highlightLastSection);
+    void drawOverlayInBounds(
+        QPainter &painter, const QVRect &bounds, double emphasis, const QColor &color, bool highlightLastSection);
     void stepsChanged();
 
     QVScreenOverlayPanelDelegate *m_delegate = nullptr;

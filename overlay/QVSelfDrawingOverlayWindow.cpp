@@ -76,6 +76,13 @@ void QVSelfDrawingOverlayWindow::followFrameWithSurface()
     if (!m_surfacesOffered)
         m_surfacesOffered = m_surface != nullptr;
     m_surfaceDisplay = m_surface ? display->name : QString();
+    if (m_surface) {
+        m_surface->setClosedListener([this] {
+            // A display of the same name that comes back needs a surface of its own.
+            m_surfaceDisplay.clear();
+            surfaceClosed();
+        });
+    }
     if (m_surface && wasShown) {
         m_area = deviceArea();
         presentOnSurface(QRegion());

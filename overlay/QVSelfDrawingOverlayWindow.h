@@ -60,6 +60,8 @@ protected:
     QVPlatform &platform() const { return m_platform; }
     // The picture changed: shape the window anew and repaint it.
     void redisplay();
+    // The window system took the overlay surface away while shown (its display went).
+    virtual void surfaceClosed() { }
 
     void paintEvent(QPaintEvent *event) override;
     void showEvent(QShowEvent *event) override;

@@ -2,6 +2,8 @@
 
 #include <QSize>
 
+#include <functional>
+
 class QImage;
 class QRegion;
 
@@ -23,4 +25,7 @@ public:
     virtual void setPicture(const QImage &picture, const QRegion &damage) = 0;
     virtual void setVisible(bool visible) = 0;
     virtual bool isVisible() const = 0;
+    // Told when the window system hides it for good while shown (its display went):
+    // whoever showed it must not count on it, nor on the keyboard it had.
+    virtual void setClosedListener(std::function<void()> listener) = 0;
 };

@@ -91,8 +91,11 @@ void QVWaylandLayerSurface::setPicture(const QImage &picture, const QRegion &dam
 
 void QVWaylandLayerSurface::outputGone()
 {
+    const bool wasVisible = isVisible();
     setVisible(false);
     m_output = nullptr;
+    if (wasVisible && m_closed)
+        m_closed();
 }
 
 void QVWaylandLayerSurface::setVisible(bool visible)
@@ -133,8 +136,9 @@ void QVWaylandLayerSurface::configured(quint32 serial, const QSize &size)
 
 void QVWaylandLayerSurface::closedByCompositor()
 {
+    const bool wasVisible = isVisible();
     setVisible(false);
-    if (m_closed)
+    if (wasVisible && m_closed)
         m_closed();
 }
 

@@ -47,11 +47,11 @@ public:
     bool takesKeyboard() const { return m_takesKeyboard; }
     // The wl_surface while shown: input on it is input on the overlay.
     wl_surface *surface() const { return m_surface; }
-    // The compositor will not show it again (its output went): it hides.
-    void setClosedListener(std::function<void()> listener) { m_closed = std::move(listener); }
+    void setClosedListener(std::function<void()> listener) override { m_closed = std::move(listener); }
     wl_output *output() const { return m_output; }
     void setDestroyedListener(std::function<void()> listener) { m_destroyed = std::move(listener); }
-    // Its output is gone: it hides and cannot show again.
+    // Its output is gone: it hides and cannot show again; tells the closed listener
+    // when it was shown.
     void outputGone();
 
     // Listener state.

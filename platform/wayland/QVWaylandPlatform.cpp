@@ -76,6 +76,7 @@ QVWaylandPlatform::~QVWaylandPlatform()
     // Devices and outputs before the globals they were made from.
     // An overlay kept longer than the platform stays hidden and inert.
     for (QVWaylandLayerSurface *overlay : std::as_const(m_overlays)) {
+        overlay->setClosedListener(nullptr); // its owner may be going too
         overlay->outputGone();
         overlay->setDestroyedListener(nullptr);
     }

@@ -54,6 +54,8 @@ private Q_SLOTS:
     void displayInDirection();
     void engineMoves_data();
     void engineMoves();
+    void guessedLocationIsPutAnyway_data();
+    void guessedLocationIsPutAnyway();
     void acceleration();
     void clickLetsGoOnATimerOneButtonAtATime();
     void hotKeyEventMatchingNoControl();
@@ -180,6 +182,32 @@ void TestPointer::engineMoves()
     e.app.platform.pointer = start;
     QVERIFY(e.engine.performActionTriggeredByControl(e.add(control).get(), nullptr, false, nullptr));
     QVERIFY(e.app.platform.postedMoves == (start == expected ? QList<QVPoint>() : QList<QVPoint> { global(expected) }));
+}
+
+void TestPointer::guessedLocationIsPutAnyway_data()
+{
+    QTest::addColumn<QJsonObject>("control");
+    QTest::addColumn<bool>("approximate");
+    QTest::addColumn<int>("moves");
+    const QJsonObject centre = control(QVAction::MoveToCenter);
+    QTest::newRow("known to be there already") << centre << false << 0;
+    QTest::newRow("guessed to be there") << centre << true << 1;
+    // The overlay only opens: the guess is no place to put the pointer.
+    QTest::newRow("screen section, guessed") << control(QVAction::MoveToScreenSection) << true << 0;
+}
+
+// Where the window system tells no one where the pointer is, the guess may be
+// wrong: a target equal to it is no reason to stay.
+void TestPointer::guessedLocationIsPutAnyway()
+{
+    QFETCH(QJsonObject, control);
+    QFETCH(bool, approximate);
+    QFETCH(int, moves);
+    Engine e;
+    e.app.platform.pointer = primary.center();
+    e.app.platform.pointerApproximate = approximate;
+    QVERIFY(e.engine.performActionTriggeredByControl(e.add(control).get(), nullptr, false, nullptr));
+    QCOMPARE(e.app.platform.postedMoves.size(), moves);
 }
 
 void TestPointer::acceleration()

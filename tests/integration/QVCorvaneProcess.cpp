@@ -15,14 +15,31 @@ namespace
 constexpr int readyDeadlineMilliseconds = 20000;
 }
 
-QVCorvaneProcess::QVCorvaneProcess(const QString &displayName, const QString &settingsPath)
+namespace
+{
+
+QProcessEnvironment x11Environment(const QString &displayName)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("DISPLAY"), displayName);
     environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    environment.remove(QStringLiteral("CORVANE_SETTINGS"));
-    environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("*.debug=false"));
-    m_process.setProcessEnvironment(environment);
+    return environment;
+}
+
+} // namespace
+
+QVCorvaneProcess::QVCorvaneProcess(const QString &displayName, const QString &settingsPath)
+    : QVCorvaneProcess(x11Environment(displayName), settingsPath)
+{
+}
+
+QVCorvaneProcess::QVCorvaneProcess(const QProcessEnvironment &environment, const QString &settingsPath)
+    : m_settingsPath(settingsPath)
+{
+    QProcessEnvironment own = environment;
+    own.remove(QStringLiteral("CORVANE_SETTINGS"));
+    own.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("*.debug=false"));
+    m_process.setProcessEnvironment(own);
     m_process.setProgram(QStringLiteral(CORVANE_BINARY));
     m_process.setArguments({ QStringLiteral("--settings"), settingsPath });
 }
@@ -71,6 +88,23 @@ int QVCorvaneProcess::stop(int signalNumber)
     }
     log();
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+int QVCorvaneProcess::perform(const QString &name, bool release, QString *errors, const QString &settingsPath) const
+{
+    QProcess process;
+    QProcessEnvironment environment = m_process.processEnvironment();
+    // It needs no display: the running corvane does the work.
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(CORVANE_BINARY),
+        { QStringLiteral("--settings"), settingsPath.isEmpty() ? m_settingsPath : settingsPath,
+            release ? QStringLiteral("--perform-release") : QStringLiteral("--perform"), name });
+    if (!process.waitForFinished(10000))
+        return -1;
+    *errors = QString::fromLocal8Bit(process.readAllStandardError());
+    return process.exitCode();
 }
 
 QString QVCorvaneProcess::log()

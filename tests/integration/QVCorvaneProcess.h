@@ -16,6 +16,8 @@ class QVCorvaneProcess final
 {
 public:
     QVCorvaneProcess(const QString &displayName, const QString &settingsPath);
+    // On whatever display the environment names (a Wayland compositor's, say).
+    QVCorvaneProcess(const QProcessEnvironment &environment, const QString &settingsPath);
     ~QVCorvaneProcess();
 
     // For the process not yet started, e.g. QT_SCALE_FACTOR.
@@ -31,6 +33,9 @@ public:
     // The lines of the log that contain the text.
     QStringList logLines(const QString &part) { return log().split(u'\n').filter(part); }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
+    // Runs corvane --perform (or --perform-release) as a key binding would, without a
+    // display, on this one's settings or others; its exit code, and what it said.
+    int perform(const QString &name, bool release, QString *errors, const QString &settingsPath = QString()) const;
 
     // One stored control; extra keys are merged in.
     static QJsonObject control(qint64 action, quint16 keyCode, quint64 modifierFlags, const QJsonObject &extra = {});
@@ -44,6 +49,7 @@ public:
         QVTestXClient &client, xcb_keycode_t key, const QList<xcb_keycode_t> &modifiers, const QPoint &offset);
 
 private:
+    QString m_settingsPath;
     QProcess m_process;
     QString m_log;
 };

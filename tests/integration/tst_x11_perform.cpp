@@ -144,21 +144,9 @@ private Q_SLOTS:
     }
 
 private:
-    int perform(const QString &name, bool release, const QString &settings, QString *errors)
+    int perform(const QString &name, bool release, const QString &settings, QString *errors) const
     {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_runtime);
-        // It needs no display: the running corvane does the work.
-        environment.remove(QStringLiteral("DISPLAY"));
-        process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(CORVANE_BINARY),
-            { QStringLiteral("--settings"), settings,
-                release ? QStringLiteral("--perform-release") : QStringLiteral("--perform"), name });
-        if (!process.waitForFinished(10000))
-            return -1;
-        *errors = QString::fromLocal8Bit(process.readAllStandardError());
-        return process.exitCode();
+        return m_corvane->perform(name, release, errors, settings);
     }
 
     std::unique_ptr<QVTestXServer> m_server;

@@ -21,6 +21,7 @@ class QVFakePlatform final : public QVPlatform
 public:
     QVDisplayList displays() const override { return displayList; }
     QVPoint mouseLocation() const override { return ++pointerReads, pointer; }
+    bool isMouseLocationApproximate() const override { return pointerApproximate; }
     bool postMouseMoved(const QVPoint &globalPoint) override { return postedMoves.append(globalPoint), true; }
     bool postMouseButton(bool down, bool right, bool) override { return buttons.append({ down, right }), true; }
     // Handles count up from 1; combinations in refused are turned down.
@@ -50,6 +51,7 @@ public:
     QVDisplayList displayList;
     QVPoint pointer;
     mutable int pointerReads = 0; // each a round trip on X
+    bool pointerApproximate = false; // a guess, as on Wayland
     RepeatThresholds thresholds { 15, 2 };
     QList<QPair<quint16, quint32>> refused; // key code, carbon modifiers
     QList<QVPoint> postedMoves; // global coordinates

@@ -62,7 +62,8 @@ bool hasProtocol(xcb_connection_t *connection, xcb_window_t window, xcb_atom_t p
 
 QString QVTestSway::missingProgram()
 {
-    QStringList programs { QStringLiteral("sway"), QStringLiteral("swaymsg"), QStringLiteral("Xvfb") };
+    QStringList programs { QStringLiteral("sway"), QStringLiteral("swaymsg"), QStringLiteral("Xvfb"),
+        QStringLiteral("grim") };
     if (runningAsRoot())
         programs.append(QStringLiteral("setpriv"));
     for (const QString &program : std::as_const(programs)) {
@@ -259,6 +260,20 @@ QJsonArray QVTestSway::outputs() const
     bool ok = false;
     const QString output = swaymsg({ QStringLiteral("-r"), QStringLiteral("-t"), QStringLiteral("get_outputs") }, &ok);
     return ok ? QJsonDocument::fromJson(output.toUtf8()).array() : QJsonArray();
+}
+
+QImage QVTestSway::screenshot(const QString &output, QString *error) const
+{
+    const QString path = m_directory.filePath(output + QStringLiteral(".png"));
+    QProcess grim;
+    grim.setProcessEnvironment(clientEnvironment());
+    grim.start(QStringLiteral("grim"), { QStringLiteral("-o"), output, path });
+    if (!grim.waitForFinished(10000) || grim.exitStatus() != QProcess::NormalExit || grim.exitCode() != 0) {
+        if (error)
+            *error = QStringLiteral("grim -o %1: %2").arg(output, QString::fromLocal8Bit(grim.readAllStandardError()));
+        return {};
+    }
+    return QImage(path);
 }
 
 bool QVTestSway::removeX11Output(QString *error) const

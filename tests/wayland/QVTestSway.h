@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QJsonArray>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -34,6 +35,8 @@ public:
     bool command(const QString &command, QString *error = nullptr) const;
     // The outputs as swaymsg -t get_outputs lists them.
     QJsonArray outputs() const;
+    // What an output shows, as grim captures it; a null image, with the reason, on failure.
+    QImage screenshot(const QString &output, QString *error = nullptr) const;
     // Closes the x11 back end's window, as a user closing it would: sway removes its output.
     bool removeX11Output(QString *error) const;
     QString log() const;

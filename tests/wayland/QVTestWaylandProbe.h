@@ -21,7 +21,12 @@ public:
     void skipAll();
     // Sends a command (press CODE, release CODE) and waits for the probe's "ok".
     bool send(const QString &command);
-    QStringList lines() const { return m_lines; }
+    // Every line so far, read or not.
+    QStringList lines()
+    {
+        readLines();
+        return m_lines;
+    }
 
 private:
     void readLines();

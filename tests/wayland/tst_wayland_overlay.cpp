@@ -5,8 +5,6 @@
 
 #include <QImage>
 #include <QPainter>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace
@@ -85,14 +83,11 @@ private:
     QVTestWaylandSession m_session;
     QString m_error;
     QList<QVEventRef> m_events;
-    QTemporaryDir m_pictures;
 };
 
 void TestWaylandOverlay::initTestCase()
 {
-    QString missing = QVTestSway::missingProgram();
-    if (missing.isEmpty() && QStandardPaths::findExecutable(QStringLiteral("grim")).isEmpty())
-        missing = QStringLiteral("grim");
+    const QString missing = QVTestSway::missingProgram();
     if (!missing.isEmpty())
         QSKIP(qPrintable(QStringLiteral("%1 is not installed (scripts/install-deps.sh --tests)").arg(missing)));
 }
@@ -119,13 +114,7 @@ std::unique_ptr<QVOverlaySurface> TestWaylandOverlay::showOverlay(const QString 
 
 QImage TestWaylandOverlay::screenshot(const QString &output)
 {
-    const QString path = m_pictures.filePath(output + QStringLiteral(".png"));
-    QProcess grim;
-    grim.setProcessEnvironment(m_session.sway().clientEnvironment());
-    grim.start(QStringLiteral("grim"), { QStringLiteral("-o"), output, path });
-    if (!grim.waitForFinished(10000) || grim.exitCode() != 0)
-        return {};
-    return QImage(path);
+    return m_session.sway().screenshot(output);
 }
 
 bool TestWaylandOverlay::typeUntilSeen(int key)
