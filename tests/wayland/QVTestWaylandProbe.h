@@ -21,6 +21,8 @@ public:
     void skipAll();
     // Sends a command (press CODE, release CODE) and waits for the probe's "ok".
     bool send(const QString &command);
+    // Sends a command and leaves its answer unread, for a wait on what it causes.
+    void post(const QString &command);
     // Every line so far, read or not.
     QStringList lines()
     {
