@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and starts Corvane on the current X display.
+# Installs what is missing, builds, and starts Corvane on the current display (X11 or Wayland).
 # Arguments are passed on (e.g. --settings FILE).
 set -euo pipefail
 cd "$(dirname "$0")/.."
