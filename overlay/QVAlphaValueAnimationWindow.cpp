@@ -9,13 +9,13 @@
 #include <thread>
 
 QVAlphaValueAnimationWindow::QVAlphaValueAnimationWindow(QWidget *parent, Qt::WindowFlags flags)
-    : QWidget(parent, flags | Qt::Window),
-      m_manager(this, {}, [](double seconds) {
-          // Nothing else runs during a synchronous fade: push each opacity change to
-          // the window system before sleeping, or only the last one would show.
-          QGuiApplication::sync();
-          std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-      })
+    : QWidget(parent, flags | Qt::Window)
+    , m_manager(this, {}, [](double seconds) {
+        // Nothing else runs during a synchronous fade: push each opacity change to
+        // the window system before sleeping, or only the last one would show.
+        QGuiApplication::sync();
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+    })
 {
     // The window is shown again after closing.
     setAttribute(Qt::WA_DeleteOnClose, false);
@@ -43,8 +43,8 @@ bool QVAlphaValueAnimationWindow::orderFrontAndFadeInToAlphaValue(double alphaVa
     return m_manager.orderFrontAndFadeInToAlphaValue(alphaValue, synchronously);
 }
 
-bool QVAlphaValueAnimationWindow::vanishRegardless(bool regardless, bool fadeOut, double alphaValue,
-                                                   bool synchronously, bool hideMouse)
+bool QVAlphaValueAnimationWindow::vanishRegardless(
+    bool regardless, bool fadeOut, double alphaValue, bool synchronously, bool hideMouse)
 {
     return m_manager.vanishRegardless(regardless, fadeOut, alphaValue, synchronously, hideMouse);
 }

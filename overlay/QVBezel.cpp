@@ -5,7 +5,8 @@
 
 #include <cmath>
 
-namespace {
+namespace
+{
 
 bool isRounded(double radius)
 {
@@ -21,7 +22,7 @@ void quarterArc(QPainterPath &path, double centerX, double centerY, double radiu
 
 QRectF toQRect(const QVRect &rect)
 {
-    return {rect.x, rect.y, rect.width, rect.height};
+    return { rect.x, rect.y, rect.width, rect.height };
 }
 
 } // namespace
@@ -53,8 +54,7 @@ QPainterPath QVBezel(const QVRect &r, double topLeft, double topRight, double bo
 }
 
 void QVDrawBevel(QPainter &painter, const QColor &stroke, const QLinearGradient *gradient, const QColor &fill,
-                 const QVRect &rect, double topLeft, double topRight, double bottomLeft, double bottomRight,
-                 double lineWidth)
+    const QVRect &rect, double topLeft, double topRight, double bottomLeft, double bottomRight, double lineWidth)
 {
     const QPainterPath path = QVBezel(rect, topLeft, topRight, bottomLeft, bottomRight);
     if (gradient) {
@@ -74,16 +74,16 @@ void QVDrawBevel(QPainter &painter, const QColor &stroke, const QLinearGradient 
 }
 
 void QVDrawIdenticalRadiiBevel(QPainter &painter, const QColor &stroke, const QLinearGradient *gradient,
-                               const QColor &fill, const QVRect &rect, double radius, double lineWidth)
+    const QColor &fill, const QVRect &rect, double radius, double lineWidth)
 {
     QVDrawBevel(painter, stroke, gradient, fill, rect, radius, radius, radius, radius, lineWidth);
 }
 
 void QVDrawBorderFrameInRect(QPainter &painter, const QColor &color, const QVRect &r)
 {
-    painter.fillRect(toQRect({r.x, r.y, r.width, 1.0}), color);
-    painter.fillRect(toQRect({r.x, r.maxY() - 1.0, r.width, 1.0}), color);
+    painter.fillRect(toQRect({ r.x, r.y, r.width, 1.0 }), color);
+    painter.fillRect(toQRect({ r.x, r.maxY() - 1.0, r.width, 1.0 }), color);
     // The sides leave the corners out: a translucent colour must not be painted twice.
-    painter.fillRect(toQRect({r.x, r.y + 1.0, 1.0, r.height - 2.0}), color);
-    painter.fillRect(toQRect({r.maxX() - 1.0, r.y + 1.0, 1.0, r.height - 2.0}), color);
+    painter.fillRect(toQRect({ r.x, r.y + 1.0, 1.0, r.height - 2.0 }), color);
+    painter.fillRect(toQRect({ r.maxX() - 1.0, r.y + 1.0, 1.0, r.height - 2.0 }), color);
 }

@@ -15,10 +15,9 @@ QPainterPath QVBezel(const QVRect &rect, double topLeft, double topRight, double
 // Fills the path with the gradient (top to bottom) or else the fill colour, then
 // strokes it; a null colour or gradient is left out.
 void QVDrawBevel(QPainter &painter, const QColor &stroke, const QLinearGradient *gradient, const QColor &fill,
-                 const QVRect &rect, double topLeft, double topRight, double bottomLeft, double bottomRight,
-                 double lineWidth);
+    const QVRect &rect, double topLeft, double topRight, double bottomLeft, double bottomRight, double lineWidth);
 void QVDrawIdenticalRadiiBevel(QPainter &painter, const QColor &stroke, const QLinearGradient *gradient,
-                               const QColor &fill, const QVRect &rect, double radius, double lineWidth);
+    const QColor &fill, const QVRect &rect, double radius, double lineWidth);
 
 // A one-point frame just inside the rectangle; no point is painted twice.
 void QVDrawBorderFrameInRect(QPainter &painter, const QColor &color, const QVRect &rect);

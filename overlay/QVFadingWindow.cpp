@@ -2,7 +2,8 @@
 
 #include "QVUserDefaults.h"
 
-namespace {
+namespace
+{
 constexpr double defaultVanishInterval = 5.0;
 }
 

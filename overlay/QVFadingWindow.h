@@ -28,7 +28,7 @@ public:
     virtual QPointF mouseLocation() const = 0;
     virtual bool isApplicationActive() const = 0;
     // Nothing by default: no call for it on X11 without more machinery.
-    virtual void hideMouseUntilMoved() {}
+    virtual void hideMouseUntilMoved() { }
 
     // Seconds from appearing to vanishing on its own: the setting "Window Vanish
     // Interval", where a value below 1 or none means 5.
@@ -44,9 +44,9 @@ public:
     virtual bool isAlphaValueAnimationReferenceWindowMainOrKey() const { return false; }
 
     // Hooks for subclasses, run before the delegate hears of the same moment.
-    virtual void willAppear() {}
-    virtual void didAppear() {}
-    virtual void willVanish() {}
-    virtual void didVanish() {}
+    virtual void willAppear() { }
+    virtual void didAppear() { }
+    virtual void willVanish() { }
+    virtual void didVanish() { }
     virtual QVFadingWindowDelegate *fadingDelegate() const { return nullptr; }
 };

@@ -9,8 +9,8 @@ class QVFadingWindowDelegate
 public:
     virtual ~QVFadingWindowDelegate() = default;
 
-    virtual void windowWillAppear(QVFadingWindow *) {}
-    virtual void windowDidAppear(QVFadingWindow *) {}
-    virtual void windowWillVanish(QVFadingWindow *) {}
-    virtual void windowDidVanish(QVFadingWindow *) {}
+    virtual void windowWillAppear(QVFadingWindow *) { }
+    virtual void windowDidAppear(QVFadingWindow *) { }
+    virtual void windowWillVanish(QVFadingWindow *) { }
+    virtual void windowDidVanish(QVFadingWindow *) { }
 };

@@ -9,7 +9,8 @@
 #include <xcb/shape.h>
 #include <xcb/xcb.h>
 
-namespace {
+namespace
+{
 
 xcb_connection_t *qtConnection()
 {
@@ -32,9 +33,10 @@ void QVSetWindowShape(QWidget &window, const QRegion *devicePixels)
         std::vector<xcb_rectangle_t> rectangles;
         rectangles.reserve(size_t(devicePixels->rectCount()));
         for (const QRect &rect : *devicePixels)
-            rectangles.push_back({int16_t(rect.x()), int16_t(rect.y()), uint16_t(rect.width()), uint16_t(rect.height())});
+            rectangles.push_back(
+                { int16_t(rect.x()), int16_t(rect.y()), uint16_t(rect.width()), uint16_t(rect.height()) });
         xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_UNSORTED, id, 0, 0,
-                             uint32_t(rectangles.size()), rectangles.data());
+            uint32_t(rectangles.size()), rectangles.data());
     }
     xcb_flush(connection);
 }

@@ -10,11 +10,12 @@
 #include <QPainter>
 #include <QPalette>
 
-namespace {
+namespace
+{
 
 QRectF toQRect(const QVRect &rect)
 {
-    return {rect.x, rect.y, rect.width, rect.height};
+    return { rect.x, rect.y, rect.width, rect.height };
 }
 
 } // namespace
@@ -122,13 +123,13 @@ QList<QVRect> QVScreenOverlayPanel::drawingAreaInBounds(const QVRect &bounds) co
     }
     const QVRect ring = QVScreenSection::ringRect(sections.last());
     const double strokeMargin = 2.0; // half the halo's stroke, and a pixel of smoothing
-    area << QVRect{ring.x - strokeMargin, ring.y - strokeMargin, ring.width + 2.0 * strokeMargin,
-                   ring.height + 2.0 * strokeMargin};
+    area << QVRect { ring.x - strokeMargin, ring.y - strokeMargin, ring.width + 2.0 * strokeMargin,
+        ring.height + 2.0 * strokeMargin };
     return area;
 }
 
-void QVScreenOverlayPanel::drawOverlayInBounds(QPainter &painter, const QVRect &bounds, double emphasis,
-                                               const QColor &color, bool highlightLastSection)
+void QVScreenOverlayPanel::drawOverlayInBounds(
+    QPainter &painter, const QVRect &bounds, double emphasis, const QColor &color, bool highlightLastSection)
 {
     bool valid = true;
     const QList<QVRect> sections = QVScreenSection::sectionsForSteps(bounds, m_steps, &valid);
@@ -142,8 +143,8 @@ void QVScreenOverlayPanel::drawOverlayInBounds(QPainter &painter, const QVRect &
     const QVRect &section = sections.last();
     const QColor ringColor = highlightLastSection ? alternateSelectedControlColor() : color;
     painter.setRenderHint(QPainter::Antialiasing, true);
-    QVDrawIdenticalRadiiBevel(painter, ringColor, nullptr, QColor(), QVScreenSection::ringRect(section), 16.0,
-                              2.0 * emphasis + 1.0);
+    QVDrawIdenticalRadiiBevel(
+        painter, ringColor, nullptr, QColor(), QVScreenSection::ringRect(section), 16.0, 2.0 * emphasis + 1.0);
     painter.setRenderHint(QPainter::Antialiasing, false);
     QVDrawCrossHairInRect(painter, ringColor, section, emphasis);
     if (highlightLastSection)

@@ -6,7 +6,8 @@
 
 // The arithmetic of narrowing a display down: each step keeps one half of the
 // current section. Rectangles are in window coordinates (y grows upwards).
-namespace QVScreenSection {
+namespace QVScreenSection
+{
 
 // The section after each step, the bounds themselves first. A step that is not a
 // side (3, 5, 7, 9) ends the list early and sets valid to false.

@@ -2,7 +2,6 @@
 
 #include "QVBezel.h"
 #include "QVNativeWindowSystem.h"
-#include "QVOverlaySurface.h"
 #include "QVPlatform.h"
 #include "QVScreenGeometry.h"
 
@@ -27,7 +26,9 @@ QVSelfDrawingOverlayWindow::QVSelfDrawingOverlayWindow(
             | Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint)
     , m_platform(platform)
     , m_flipContent(flipContent)
-    , m_keyboard(keyboard)
+    , m_presenter(
+          platform, keyboard == Keyboard::TakenWhileShown,
+          [this](QPainter &painter, double scale) { paintContent(painter, scale); }, [this] { surfaceClosed(); })
 {
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
@@ -55,113 +56,39 @@ void QVSelfDrawingOverlayWindow::setFrame(const QVRect &frame)
     if (screen)
         setScreen(screen);
     setGeometry(logical);
-    followFrameWithSurface();
+    m_presenter.follow(m_frame, alphaValue());
     redisplay();
-}
-
-void QVSelfDrawingOverlayWindow::followFrameWithSurface()
-{
-    // A platform that offered no surface at first never will (X11 has no need).
-    if (!m_surfacesOffered.value_or(true))
-        return;
-    const QVDisplayList displays = m_platform.displays();
-    const QVDisplay *display = displayCoveredBy(m_frame, displays);
-    // Without a display under the frame (one unplugged just now), the surface stays.
-    if (!display || (m_surface && display->name == m_surfaceDisplay))
-        return;
-    const bool wasShown = m_surface && m_surface->isVisible();
-    m_surface.reset(); // hidden first: two overlays never fight for the keyboard
-    m_surfaceContentValid = false;
-    m_surface = m_platform.createOverlaySurface(*display, m_keyboard == Keyboard::TakenWhileShown);
-    if (!m_surfacesOffered)
-        m_surfacesOffered = m_surface != nullptr;
-    m_surfaceDisplay = m_surface ? display->name : QString();
-    if (m_surface) {
-        m_surface->setClosedListener([this] {
-            // A display of the same name that comes back needs a surface of its own.
-            m_surfaceDisplay.clear();
-            surfaceClosed();
-        });
-    }
-    if (m_surface && wasShown) {
-        m_area = deviceArea();
-        presentOnSurface(QRegion());
-        m_surface->setVisible(true);
-    }
-}
-
-const QVDisplay *QVSelfDrawingOverlayWindow::displayCoveredBy(const QVRect &frame, const QList<QVDisplay> &displays)
-{
-    for (const QVDisplay &display : displays) {
-        if (display.frame == frame)
-            return &display;
-    }
-    const QVPoint centre = frame.center();
-    for (const QVDisplay &display : displays) {
-        const QVRect &f = display.frame;
-        if (centre.x >= f.x && centre.x < f.maxX() && centre.y >= f.y && centre.y < f.maxY())
-            return &display;
-    }
-    return nullptr;
-}
-
-void QVSelfDrawingOverlayWindow::presentOnSurface(const QRegion &damage)
-{
-    if (!m_surface)
-        return;
-    const QSize size = m_surface->pixelSize();
-    if (!m_surfaceContentValid || m_surfaceContent.size() != size) {
-        m_surfaceContent = QImage(size, QImage::Format_ARGB32_Premultiplied);
-        m_surfaceContent.fill(Qt::transparent);
-        QPainter painter(&m_surfaceContent);
-        paintContent(painter, m_surface->scale());
-        m_surfaceContentValid = true;
-    }
-    if (alphaValue() >= 1.0) {
-        m_surface->setPicture(m_surfaceContent, damage);
-        return;
-    }
-    // The whole picture fades as one, as a window's opacity does: overlapping strokes do not add up.
-    QImage faded(size, QImage::Format_ARGB32_Premultiplied);
-    faded.fill(Qt::transparent);
-    QPainter painter(&faded);
-    painter.setOpacity(alphaValue());
-    painter.drawImage(0, 0, m_surfaceContent);
-    painter.end();
-    m_surface->setPicture(faded, damage);
 }
 
 void QVSelfDrawingOverlayWindow::setAlphaValue(double alphaValue)
 {
     QVAlphaValueAnimationWindow::setAlphaValue(alphaValue);
-    if (m_surface && m_surface->isVisible())
-        presentOnSurface(m_area);
+    m_presenter.fade(alphaValue, m_area);
 }
 
 bool QVSelfDrawingOverlayWindow::isWindowVisible() const
 {
-    return m_surface ? m_surface->isVisible() : QVAlphaValueAnimationWindow::isWindowVisible();
+    return m_presenter.hasSurface() ? m_presenter.isVisible() : QVAlphaValueAnimationWindow::isWindowVisible();
 }
 
 void QVSelfDrawingOverlayWindow::orderFront()
 {
-    if (!m_surface) {
+    if (!m_presenter.hasSurface()) {
         QVAlphaValueAnimationWindow::orderFront();
         return;
     }
     m_releaseTimer.stop();
     m_area = deviceArea();
-    presentOnSurface(QRegion());
-    m_surface->setVisible(true);
+    m_presenter.show(alphaValue());
 }
 
 void QVSelfDrawingOverlayWindow::closeWindow()
 {
-    if (!m_surface) {
+    if (!m_presenter.hasSurface()) {
         QVAlphaValueAnimationWindow::closeWindow();
         return;
     }
-    m_surface->setVisible(false);
+    m_presenter.hide();
     m_releaseTimer.start();
 }
 
@@ -186,12 +113,9 @@ QRect QVSelfDrawingOverlayWindow::logicalGeometry(const QRect &native, QScreen *
 
 void QVSelfDrawingOverlayWindow::redisplay()
 {
-    if (m_surface) {
-        m_surfaceContentValid = false;
-        if (!m_surface->isVisible())
-            return; // drawn when it shows
-        const QRegion area = deviceArea();
-        presentOnSurface(m_area + area);
+    if (m_presenter.hasSurface()) {
+        const QRegion area = m_presenter.isVisible() ? deviceArea() : QRegion();
+        m_presenter.redraw(alphaValue(), m_area + area);
         m_area = area;
         return;
     }
@@ -224,7 +148,7 @@ QList<QVRect> QVSelfDrawingOverlayWindow::drawingAreaInBounds(const QVRect &) co
 
 QRegion QVSelfDrawingOverlayWindow::deviceArea() const
 {
-    const QRect whole(QPoint(0, 0), m_surface ? m_surface->pixelSize() : size() * devicePixelRatioF());
+    const QRect whole(QPoint(0, 0), m_presenter.hasSurface() ? m_presenter.pixelSize() : size() * devicePixelRatioF());
     const QList<QVRect> area = drawingAreaInBounds(drawingBounds());
     if (area.isEmpty())
         return whole;
@@ -238,7 +162,7 @@ QRect QVSelfDrawingOverlayWindow::deviceRect(const QVRect &rect) const
 {
     // Whole pixels covering the rectangle, counted from the window's top left. An
     // overlay surface's picture has the display's scale; X11 frames are in pixels.
-    const double scale = m_surface ? m_surface->scale() : 1.0;
+    const double scale = m_presenter.scale();
     const double left = (m_flipContent ? rect.x : rect.x - m_frame.x) * scale;
     const double top = (m_flipContent ? rect.y : m_frame.maxY() - rect.maxY()) * scale;
     const int x = int(std::floor(left));
@@ -313,8 +237,7 @@ void QVSelfDrawingOverlayWindow::releaseWhileHidden()
 {
     if (isWindowVisible())
         return;
-    m_surfaceContent = QImage();
-    m_surfaceContentValid = false;
+    m_presenter.releasePicture();
     // An overlay holds a display's worth of pixels twice over (its picture and
     // Qt's backing store, shared with the X server); an idle Corvane keeps neither.
     // Showing it again makes a new native window, which takes a few milliseconds.

@@ -2,21 +2,16 @@
 
 #include "QVAlphaValueAnimationWindow.h"
 #include "QVGeometry.h"
+#include "QVOverlaySurfacePresenter.h"
 #include "QVShapedPicture.h"
 
-#include <QImage>
 #include <QList>
 #include <QRegion>
 #include <QTimer>
 
-#include <memory>
-#include <optional>
-
 class QPainter;
 class QScreen;
-class QVOverlaySurface;
 class QVPlatform;
-struct QVDisplay;
 
 // A borderless window that floats above every other window, lets the mouse
 // through and draws its whole content through drawOverlayInBounds. Its frame is
@@ -79,11 +74,6 @@ private:
     void paintContent(QPainter &painter, double scale);
     void updateShape(const QRegion &area);
     void releaseWhileHidden();
-    // The overlay surface for the display the frame covers, kept while it stays there.
-    void followFrameWithSurface();
-    static const QVDisplay *displayCoveredBy(const QVRect &frame, const QList<QVDisplay> &displays);
-    // Draws the picture at the current alpha onto the overlay surface.
-    void presentOnSurface(const QRegion &damage);
 
     QVPlatform &m_platform;
     QVRect m_frame;
@@ -92,10 +82,5 @@ private:
     bool m_shaped = false;
     QVShapedPicture m_shapedPicture;
     QTimer m_releaseTimer;
-    Keyboard m_keyboard;
-    std::unique_ptr<QVOverlaySurface> m_surface;
-    QString m_surfaceDisplay;
-    std::optional<bool> m_surfacesOffered;
-    QImage m_surfaceContent; // the picture at full alpha, device pixels
-    bool m_surfaceContentValid = false;
+    QVOverlaySurfacePresenter m_presenter; // where the picture goes instead of the window
 };

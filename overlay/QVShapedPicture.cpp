@@ -3,7 +3,8 @@
 #include <QBitmap>
 #include <QPainter>
 
-namespace {
+namespace
+{
 // A smoothed curve's pixels down to a quarter covered: the curve stays whole
 // without growing a fringe.
 constexpr int minimumAlpha = 64;

@@ -11,7 +11,8 @@
 #include <chrono>
 #include <thread>
 
-namespace {
+namespace
+{
 
 // Lets the last step land exactly on the bound instead of just short of it.
 constexpr double boundMargin = 0.01;
@@ -33,10 +34,8 @@ bool isInputEvent(QEvent::Type type)
     case QEvent::Wheel:
     case QEvent::TabletPress:
     case QEvent::TabletRelease:
-    case QEvent::TouchBegin:
-        return true;
-    default:
-        return false;
+    case QEvent::TouchBegin: return true;
+    default: return false;
     }
 }
 
@@ -46,7 +45,10 @@ bool isInputEvent(QEvent::Type type)
 class QVWindowAlphaValueAnimationManager::NextEventWatcher final : public QObject
 {
 public:
-    explicit NextEventWatcher(std::function<void()> onEvent) : m_onEvent(std::move(onEvent)) {}
+    explicit NextEventWatcher(std::function<void()> onEvent)
+        : m_onEvent(std::move(onEvent))
+    {
+    }
     ~NextEventWatcher() override { stop(); }
 
     bool isWatching() const { return m_watching; }
@@ -77,10 +79,10 @@ private:
     bool m_watching = false;
 };
 
-QVWindowAlphaValueAnimationManager::QVWindowAlphaValueAnimationManager(QVFadingWindow *window,
-                                                                       const PerformerFactory &performerFactory,
-                                                                       Sleeper sleeper)
-    : m_window(window), m_sleeper(std::move(sleeper))
+QVWindowAlphaValueAnimationManager::QVWindowAlphaValueAnimationManager(
+    QVFadingWindow *window, const PerformerFactory &performerFactory, Sleeper sleeper)
+    : m_window(window)
+    , m_sleeper(std::move(sleeper))
 {
     const PerformerFactory factory = performerFactory ? performerFactory : [] {
         return std::unique_ptr<QVDelayedPerformer>(std::make_unique<QVTimerDelayedPerformer>());
@@ -118,8 +120,8 @@ bool QVWindowAlphaValueAnimationManager::performNextAlphaValueAnimationStep()
 void QVWindowAlphaValueAnimationManager::performAsynchronousAlphaValueAnimationStep()
 {
     if (performNextAlphaValueAnimationStep())
-        m_stepPerformer->performAfterDelay(m_window->alphaValueAnimationStepInterval(),
-                                           [this] { performAsynchronousAlphaValueAnimationStep(); });
+        m_stepPerformer->performAfterDelay(
+            m_window->alphaValueAnimationStepInterval(), [this] { performAsynchronousAlphaValueAnimationStep(); });
 }
 
 void QVWindowAlphaValueAnimationManager::performAlphaValueAnimationWithQuantum(double quantum, bool synchronously)
@@ -140,8 +142,8 @@ void QVWindowAlphaValueAnimationManager::cancelAlphaValueAnimationPerformRequest
     m_stepPerformer->cancelPreviousPerformRequests();
 }
 
-bool QVWindowAlphaValueAnimationManager::shouldAnimateAlphaValueForMainOrKeyReferenceWindow(bool *mainOrKey,
-                                                                                            bool *hoveringMouse) const
+bool QVWindowAlphaValueAnimationManager::shouldAnimateAlphaValueForMainOrKeyReferenceWindow(
+    bool *mainOrKey, bool *hoveringMouse) const
 {
     if (!m_window || !m_window->hasAlphaValueAnimationReferenceWindow())
         return false;
@@ -152,13 +154,13 @@ bool QVWindowAlphaValueAnimationManager::shouldAnimateAlphaValueForMainOrKeyRefe
         const QRectF frame = m_window->windowFrame();
         const QPointF mouse = m_window->mouseLocation();
         *hoveringMouse = mouse.x() >= frame.left() && mouse.x() < frame.right() && mouse.y() >= frame.top()
-                         && mouse.y() < frame.bottom();
+            && mouse.y() < frame.bottom();
     }
     return true;
 }
 
-bool QVWindowAlphaValueAnimationManager::appearRegardless(bool regardless, bool fadeIn, double alphaValue,
-                                                          bool synchronously)
+bool QVWindowAlphaValueAnimationManager::appearRegardless(
+    bool regardless, bool fadeIn, double alphaValue, bool synchronously)
 {
     stopVanishingToCloseAfterClosing(false);
     cancelAlphaValueAnimationPerformRequests();
@@ -206,8 +208,8 @@ bool QVWindowAlphaValueAnimationManager::orderFrontAndFadeInToAlphaValue(double 
     return appearRegardless(true, true, alphaValue, synchronously);
 }
 
-bool QVWindowAlphaValueAnimationManager::vanishRegardless(bool regardless, bool fadeOut, double alphaValue,
-                                                          bool synchronously, bool hideMouse)
+bool QVWindowAlphaValueAnimationManager::vanishRegardless(
+    bool regardless, bool fadeOut, double alphaValue, bool synchronously, bool hideMouse)
 {
     cancelAlphaValueAnimationPerformRequests();
     if (!m_window)

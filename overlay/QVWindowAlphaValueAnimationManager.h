@@ -19,8 +19,8 @@ public:
     using Sleeper = std::function<void(double seconds)>;
 
     // Without a factory the calls run on Qt timers; without a sleeper the thread sleeps.
-    explicit QVWindowAlphaValueAnimationManager(QVFadingWindow *window, const PerformerFactory &performerFactory = {},
-                                                Sleeper sleeper = {});
+    explicit QVWindowAlphaValueAnimationManager(
+        QVFadingWindow *window, const PerformerFactory &performerFactory = {}, Sleeper sleeper = {});
     ~QVWindowAlphaValueAnimationManager();
     QVWindowAlphaValueAnimationManager(const QVWindowAlphaValueAnimationManager &) = delete;
     QVWindowAlphaValueAnimationManager &operator=(const QVWindowAlphaValueAnimationManager &) = delete;
