@@ -352,7 +352,7 @@ void TestActionsEditor::dragScrollsAndKeyCancels()
     QTest::mouseMove(editor.handle(), bottom);
     // The list scrolls while the pointer stays near its bottom edge, dragging the row along.
     QTRY_VERIFY(editor.scrollBar()->value() >= 60);
-    QVERIFY(editor.order().indexOf(0) > 3);
+    QTRY_VERIFY(editor.order().indexOf(0) > 3); // the row follows at the next step
     // Any key ends the drag and puts the order back.
     QTest::keyClick(editor.handle(), Qt::Key_Shift);
     QCOMPARE(
