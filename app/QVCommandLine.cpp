@@ -11,6 +11,8 @@ QVCommandLine QVCommandLine::parse(const QStringList &arguments)
             line.showHelp = true;
         } else if (argument == QLatin1String("--version") || argument == QLatin1String("-v")) {
             line.showVersion = true;
+        } else if (argument == QLatin1String("--doctor")) {
+            line.showDoctor = true;
         } else if (argument == QLatin1String("--settings")) {
             if (++index >= arguments.size()) {
                 line.error = QStringLiteral("--settings needs a file");
@@ -54,6 +56,8 @@ QString QVCommandLine::helpText()
                           "                             a Move repeats until --perform-release\n"
                           "  --perform-release CONTROL  end the repetition, as the hot key's release would\n"
                           "  --platform x11|wayland     drive this window system, not the session's own\n"
+                          "  --doctor                   show what this session offers Corvane and how to\n"
+                          "                             fix what is missing\n"
                           "  --help                     show this text\n"
                           "  --version                  show the version\n"
                           "\n"

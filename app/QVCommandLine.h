@@ -7,6 +7,7 @@
 struct QVCommandLine final {
     bool showHelp = false;
     bool showVersion = false;
+    bool showDoctor = false; // what the session offers Corvane, and what is missing
     QString settingsPath; // empty: the default place
     // Asks the running Corvane to perform this control (by identifier or title) and ends.
     QString performName;

@@ -12,6 +12,8 @@ public:
     // False when the file cannot be read; a file without the group reads as empty.
     bool load(const QString &path);
 
+    // A string value, unescaped; empty when the key is missing.
+    QString stringValue(const QString &key) const { return value(key); }
     // "true" and "1" are true, "false" and "0" false; anything else the fallback.
     bool booleanValue(const QString &key, bool fallback) const;
     // The program and its arguments, field codes such as %f dropped.

@@ -1,5 +1,6 @@
 #include "QVCommandLine.h"
 #include "QVDBusService.h"
+#include "QVDoctor.h"
 #include "QVEventDispatcher.h"
 #include "QVEventParserApplication.h"
 #include "QVHotKeyRecordingRoute.h"
@@ -82,6 +83,11 @@ int main(int argc, char **argv)
         = commandLine.settingsPath.isEmpty() ? QVUserDefaults::defaultFilePath() : commandLine.settingsPath;
     if (!commandLine.performName.isEmpty())
         return askToPerform(settingsPath, commandLine, argc, argv);
+    if (commandLine.showDoctor) {
+        QCoreApplication application(argc, argv);
+        printLine(stdout, QVDoctor::report(QVDoctor::examine(commandLine.platform)));
+        return 0;
+    }
 
     QString error;
     QString notice;

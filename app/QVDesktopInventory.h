@@ -1,0 +1,19 @@
+#pragma once
+
+#include "QVWaylandBackendPlan.h"
+
+#include <QDBusConnection>
+
+// Learns what the running Wayland desktop offers Corvane: its compositor's globals
+// (on a connection of its own), the desktop portal's interfaces with their
+// versions, and GNOME's version where GNOME runs.
+class QVDesktopInventory final
+{
+public:
+    // error: set when the compositor cannot be reached (the globals stay empty).
+    static QVWaylandDesktopFacts gather(const QDBusConnection &bus, QString *error);
+    static QSet<QByteArray> compositorGlobals(QString *error);
+    // The interfaces of org.freedesktop.portal.Desktop that answer, by short name.
+    static QMap<QString, uint> portalVersions(const QDBusConnection &bus);
+    static QVersionNumber gnomeShellVersion(const QDBusConnection &bus);
+};
