@@ -58,6 +58,7 @@ private Q_SLOTS:
     void listReachesDesktop();
     void tokenStaysAcrossServices();
     void burstRebindsOnce();
+    void changeWhileBindingFollowsOnce();
     void pressAndRelease_data();
     void pressAndRelease();
     void changedTriggerIsReported();
@@ -226,6 +227,21 @@ void tst_portal_globalshortcuts::burstRebindsOnce()
     QCOMPARE(countCalls(QStringLiteral("Close")), 1);
     QCOMPARE(boundOnDesktop().keys(),
         (QStringList { QStringLiteral("corvane-2"), QStringLiteral("corvane-3"), QStringLiteral("corvane-4") }));
+}
+
+void tst_portal_globalshortcuts::changeWhileBindingFollowsOnce()
+{
+    startPortal({});
+    QVGlobalShortcutsSession session(m_connection, QStringLiteral("corvane"));
+    QVPortalHotKeyService service(session);
+    QVERIFY(service.registerHotKey(registration(1)));
+    QTest::qWait(5); // the first binding is under way, the desktop has not answered yet
+    QVERIFY(!session.isBound());
+    QVERIFY(service.registerHotKey(registration(2, aKey)));
+    QTRY_VERIFY(session.isBound());
+    QCOMPARE(boundOnDesktop().size(), 2);
+    QCOMPARE(countCalls(QStringLiteral("CreateSession")), 2);
+    QCOMPARE(countCalls(QStringLiteral("Close")), 1);
 }
 
 void tst_portal_globalshortcuts::pressAndRelease_data()
