@@ -13,6 +13,8 @@
 
 #include <csignal>
 
+#include <sys/prctl.h>
+
 namespace
 {
 
@@ -31,6 +33,12 @@ QVHotKeyRegistration registration(
     made.carbonModifiers = modifiers;
     made.identifier = identifier;
     return made;
+}
+
+// The bus and the fake portal end with the test even when it crashes.
+void endWithTest(QProcess &process)
+{
+    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
 }
 
 void stop(QProcess &process)
@@ -93,6 +101,7 @@ void tst_portal_globalshortcuts::initTestCase()
                    .arg(m_dir.path())
                    .toUtf8());
     file.close();
+    endWithTest(m_bus);
     m_bus.start(QStringLiteral("dbus-daemon"),
         { QStringLiteral("--config-file=") + config, QStringLiteral("--nofork"), QStringLiteral("--print-address=1") });
     QVERIFY(m_bus.waitForStarted(5000));
@@ -123,6 +132,7 @@ void tst_portal_globalshortcuts::startPortal(const QStringList &arguments)
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_address);
     m_portal.setProcessEnvironment(environment);
     m_portal.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    endWithTest(m_portal);
     m_portal.start(QStringLiteral("/usr/bin/python3"), QStringList { QStringLiteral(CORVANE_FAKE_PORTAL) } + arguments);
     QVERIFY(m_portal.waitForStarted(5000));
     QTRY_VERIFY_WITH_TIMEOUT(m_connection.interface()->isServiceRegistered(portalService).value(), 10000);
