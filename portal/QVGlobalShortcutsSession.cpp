@@ -1,7 +1,5 @@
 #include "QVGlobalShortcutsSession.h"
 
-#include "QVPortalRequest.h"
-
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QTimer>
@@ -67,6 +65,12 @@ uint QVGlobalShortcutsSession::version()
     return uint(m_version);
 }
 
+QString QVGlobalShortcutsSession::expectedSessionPath() const
+{
+    return QStringLiteral("/org/freedesktop/portal/desktop/session/%1/%2")
+        .arg(QVPortalRequest::senderPart(m_connection.baseService()), m_sessionToken);
+}
+
 QDBusMessage QVGlobalShortcutsSession::portalCall(const QString &method) const
 {
     return QDBusMessage::createMethodCall(portalService, portalPath, shortcutsInterface, method);
@@ -103,17 +107,23 @@ void QVGlobalShortcutsSession::createSession()
     };
     QDBusMessage call = portalCall(QStringLiteral("CreateSession"));
     call << options;
-    request->send(call, [this](uint code, const QVariantMap &results) {
-        if (code != QVPortalRequest::Success) {
-            finishBinding(false, QStringLiteral("the desktop did not open a session (code %1)").arg(code));
-            return;
-        }
-        m_sessionPath = pathOf(results.value(QStringLiteral("session_handle")));
-        m_connection.connect(portalService, m_sessionPath, sessionInterface, QStringLiteral("Closed"), this,
-            SLOT(onClosed(QDBusMessage)));
-        takeGrantedTriggers(results.value(QStringLiteral("shortcuts")));
-        bindShortcuts();
-    });
+    request->send(
+        call,
+        [this](uint code, const QVariantMap &results) {
+            if (code != QVPortalRequest::Success) {
+                // Unanswered is not undone: a session the desktop made would block the token's next use.
+                m_connection.send(QDBusMessage::createMethodCall(
+                    portalService, expectedSessionPath(), sessionInterface, QStringLiteral("Close")));
+                finishBinding(false, QStringLiteral("the desktop did not open a session (code %1)").arg(code));
+                return;
+            }
+            m_sessionPath = pathOf(results.value(QStringLiteral("session_handle")));
+            m_connection.connect(portalService, m_sessionPath, sessionInterface, QStringLiteral("Closed"), this,
+                SLOT(onClosed(QDBusMessage)));
+            takeGrantedTriggers(results.value(QStringLiteral("shortcuts")));
+            bindShortcuts();
+        },
+        m_requestTimeoutMs);
 }
 
 void QVGlobalShortcutsSession::bindShortcuts()
@@ -122,18 +132,21 @@ void QVGlobalShortcutsSession::bindShortcuts()
     QDBusMessage call = portalCall(QStringLiteral("BindShortcuts"));
     call << QVariant::fromValue(QDBusObjectPath(m_sessionPath)) << QVariant::fromValue(m_attempted) << QString()
          << QVariantMap { { QStringLiteral("handle_token"), request->token() } };
-    request->send(call, [this](uint code, const QVariantMap &results) {
-        if (code != QVPortalRequest::Success) {
-            finishBinding(false,
-                code == QVPortalRequest::Cancelled
-                    ? QStringLiteral("the desktop refused the shortcuts")
-                    : QStringLiteral("binding the shortcuts failed (code %1)").arg(code));
-            return;
-        }
-        // Plasma 5.27 answers an empty list here: what CreateSession granted stands.
-        takeGrantedTriggers(results.value(QStringLiteral("shortcuts")));
-        finishBinding(true);
-    });
+    request->send(
+        call,
+        [this](uint code, const QVariantMap &results) {
+            if (code != QVPortalRequest::Success) {
+                finishBinding(false,
+                    code == QVPortalRequest::Cancelled
+                        ? QStringLiteral("the desktop refused the shortcuts")
+                        : QStringLiteral("binding the shortcuts failed (code %1)").arg(code));
+                return;
+            }
+            // Plasma 5.27 answers an empty list here: what CreateSession granted stands.
+            takeGrantedTriggers(results.value(QStringLiteral("shortcuts")));
+            finishBinding(true);
+        },
+        m_requestTimeoutMs);
 }
 
 void QVGlobalShortcutsSession::finishBinding(bool success, const QString &reason)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "QVPortalRequest.h"
 #include "QVPortalShortcut.h"
 
 #include <QDBusConnection>
@@ -31,6 +32,8 @@ public:
     QString grantedTrigger(const QString &id) const { return m_granted.value(id); }
     // How long after the desktop ended the session it is bound again.
     void setRebindDelay(int milliseconds) { m_rebindDelayMs = milliseconds; }
+    // How long to wait for the desktop's answer to one request.
+    void setRequestTimeout(int milliseconds) { m_requestTimeoutMs = milliseconds; }
 
 Q_SIGNALS:
     void bound();
@@ -48,6 +51,7 @@ private Q_SLOTS:
 
 private:
     QDBusMessage portalCall(const QString &method) const;
+    QString expectedSessionPath() const;
     void startBinding();
     void createSession();
     void bindShortcuts();
@@ -65,6 +69,7 @@ private:
     QHash<QString, QString> m_granted;
     int m_version = -1;
     int m_rebindDelayMs = 5000;
+    int m_requestTimeoutMs = QVPortalRequest::defaultTimeoutMs;
     bool m_busy = false;
     bool m_bound = false;
 };

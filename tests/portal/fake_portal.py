@@ -62,6 +62,8 @@ class Portal(dbus.service.Object):
                           % (sender_part(sender), options['handle_token']))
 
         def answer():
+            if self.options.silent:
+                return False
             request.Response(dbus.UInt32(code), dbus.Dictionary(results, signature='sv'))
             request.remove_from_connection()
             return False
@@ -166,6 +168,7 @@ def main():
     parser.add_argument('--version', type=int, default=1)
     parser.add_argument('--draft', action='store_true', help='bind only what CreateSession carries (Plasma 5.27)')
     parser.add_argument('--refuse', action='store_true', help='the user refuses the shortcuts')
+    parser.add_argument('--silent', action='store_true', help='never answer a request')
     options = parser.parse_args()
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
     bus = dbus.SessionBus()

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void pressAndRelease();
     void changedTriggerIsReported();
     void refusalLeavesNothingBound();
+    void silenceEndsInRefusal();
     void closedSessionIsBoundAgainOnce();
     void configureNeedsVersionTwo_data();
     void configureNeedsVersionTwo();
@@ -324,6 +325,25 @@ void tst_portal_globalshortcuts::refusalLeavesNothingBound()
     QTest::qWait(200);
     QCOMPARE(countCalls(QStringLiteral("CreateSession")), 1);
     QCOMPARE(refused.size(), 1);
+}
+
+void tst_portal_globalshortcuts::silenceEndsInRefusal()
+{
+    startPortal({ QStringLiteral("--silent") });
+    QVGlobalShortcutsSession session(m_connection, QStringLiteral("corvane"));
+    session.setRequestTimeout(200);
+    QVPortalHotKeyService service(session);
+    QVERIFY(service.registerHotKey(registration(1)));
+    QSignalSpy refused(&session, &QVGlobalShortcutsSession::refused);
+    QVERIFY(refused.wait(5000));
+    QVERIFY(!session.isBound());
+    QVERIFY(session.sessionPath().isEmpty());
+    // A changed list is tried anew.
+    QVERIFY(service.registerHotKey(registration(2, aKey)));
+    QVERIFY(refused.wait(5000));
+    QCOMPARE(countCalls(QStringLiteral("CreateSession")), 2);
+    QTRY_COMPARE(countCalls(QStringLiteral("Close")), 2); // what the desktop may have made is closed
+    QVERIFY(control(QStringLiteral("Sessions")).toStringList().isEmpty());
 }
 
 void tst_portal_globalshortcuts::closedSessionIsBoundAgainOnce()
