@@ -21,7 +21,7 @@ case "${1:-}" in
 --tests)
     packages+=(xvfb xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils x11-utils xdotool xcompmgr picom keynav
         dbus at-spi2-core python3-pyatspi trayer imagemagick appstream desktop-file-utils dpkg-dev
-        sway grim wayland-utils)
+        sway grim wayland-utils python3-dbus python3-gi)
     ;;
 esac
 
