@@ -1,8 +1,30 @@
 #include "QVPlatformOpening.h"
 
+#include "QVDesktopInventory.h"
+#include "QVGlobalShortcutsSession.h"
+#include "QVLog.h"
+#include "QVPortalHotKeyService.h"
 #include "QVWaylandPlatform.h"
 #include "QVX11Connection.h"
 #include "QVX11Platform.h"
+
+#include <QCryptographicHash>
+#include <QDBusConnection>
+#include <QFileInfo>
+
+namespace
+{
+
+// The same for a settings file from run to run: the desktop files the bindings
+// under it, and a new name at each start would pile them up.
+QString shortcutSessionToken(const QString &settingsPath)
+{
+    const QString canonical = QFileInfo(settingsPath).absoluteFilePath();
+    const QByteArray digest = QCryptographicHash::hash(canonical.toUtf8(), QCryptographicHash::Sha1).toHex();
+    return QStringLiteral("corvane_") + QString::fromLatin1(digest.left(12));
+}
+
+} // namespace
 
 QVPlatformOpening::QVPlatformOpening(QVPlatformChoice::Kind kind)
     : m_kind(kind)
@@ -75,10 +97,11 @@ QString QVPlatformOpening::displayName() const
         : QStringLiteral("X11 display \"%1\"").arg(qEnvironmentVariable("DISPLAY"));
 }
 
-std::unique_ptr<QVPlatform> QVPlatformOpening::finish(QString *error)
+std::unique_ptr<QVPlatform> QVPlatformOpening::finish(const QString &settingsPath, QString *error)
 {
     if (m_wayland) {
         m_wayland->startWatching();
+        attachDesktopHotKeys(*m_wayland, settingsPath);
         return std::move(m_wayland);
     }
     if (!m_x11) {
@@ -86,4 +109,25 @@ std::unique_ptr<QVPlatform> QVPlatformOpening::finish(QString *error)
         return nullptr;
     }
     return QVX11Platform::open(std::move(m_x11), error);
+}
+
+void QVPlatformOpening::attachDesktopHotKeys(QVWaylandPlatform &platform, const QString &settingsPath)
+{
+    QVWaylandDesktopFacts facts;
+    facts.desktops = QVWaylandDesktopFacts::desktopsFromEnvironment(qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    // Asked only where the answer matters: the portal may have to be started for it.
+    if (QVWaylandBackendPlan::desktopFiresPortalShortcuts(facts) && bus.isConnected()) {
+        facts.portalVersions = QVDesktopInventory::portalVersions(bus);
+        if (facts.desktops.contains(QLatin1String("GNOME"), Qt::CaseInsensitive))
+            facts.desktopVersion = QVDesktopInventory::gnomeShellVersion(bus);
+    }
+    const QVWaylandBackendPlan plan = QVWaylandBackendPlan::forDesktop(facts);
+    QVLog(QStringLiteral("hot keys: %1").arg(plan.hotKeysReason));
+    if (plan.hotKeys != QVWaylandBackendPlan::HotKeys::Portal)
+        return;
+    auto service = std::make_unique<QVPortalHotKeyService>(
+        std::make_unique<QVGlobalShortcutsSession>(bus, shortcutSessionToken(settingsPath)));
+    service->setEventHandler([&platform](const QVEventRef &event) { platform.deliverHotKeyEvent(event); });
+    platform.setHotKeyService(std::move(service));
 }

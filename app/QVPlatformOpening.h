@@ -31,13 +31,16 @@ public:
     QByteArray qtPlatformName() const;
     // The display, as messages and the log name it.
     QString displayName() const;
-    // Once the application exists: the platform, or nothing with error set.
-    std::unique_ptr<QVPlatform> finish(QString *error);
+    // Once the application exists: the platform, or nothing with error set. The
+    // settings file names the desktop's record of Corvane's shortcuts.
+    std::unique_ptr<QVPlatform> finish(const QString &settingsPath, QString *error);
 
 private:
     explicit QVPlatformOpening(QVPlatformChoice::Kind kind);
     static std::unique_ptr<QVPlatformOpening> beginX11(QString *error);
     static std::unique_ptr<QVPlatformOpening> beginWayland(QString *error);
+    // Where the desktop's shortcut portal fires, hot keys go through it.
+    static void attachDesktopHotKeys(QVWaylandPlatform &platform, const QString &settingsPath);
 
     QVPlatformChoice::Kind m_kind;
     std::unique_ptr<QVX11Connection> m_x11;

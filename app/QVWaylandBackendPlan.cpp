@@ -37,6 +37,11 @@ QStringList QVWaylandDesktopFacts::desktopsFromEnvironment(const QString &curren
     return currentDesktop.split(u':', Qt::SkipEmptyParts);
 }
 
+bool QVWaylandBackendPlan::desktopFiresPortalShortcuts(const QVWaylandDesktopFacts &facts)
+{
+    return shortcutPortalRefusal(facts).isEmpty();
+}
+
 QVWaylandBackendPlan QVWaylandBackendPlan::forDesktop(const QVWaylandDesktopFacts &facts)
 {
     QVWaylandBackendPlan plan;

@@ -32,6 +32,8 @@ struct QVWaylandBackendPlan final {
     QString overlayReason;
 
     static QVWaylandBackendPlan forDesktop(const QVWaylandDesktopFacts &facts);
+    // Whether the desktop is one whose shortcut portal fires: only then is the portal worth asking.
+    static bool desktopFiresPortalShortcuts(const QVWaylandDesktopFacts &facts);
 
 private:
     void chooseHotKeys(const QVWaylandDesktopFacts &facts);

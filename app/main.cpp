@@ -118,7 +118,7 @@ int main(int argc, char **argv)
     case QVSingleInstance::Outcome::Failed: printLine(stderr, QStringLiteral("corvane: %1\n").arg(error)); return 1;
     }
 
-    std::unique_ptr<QVPlatform> platform = opening->finish(&error);
+    std::unique_ptr<QVPlatform> platform = opening->finish(settingsPath, &error);
     if (!platform) {
         printLine(stderr, QStringLiteral("corvane: %1\n").arg(error));
         return 1;

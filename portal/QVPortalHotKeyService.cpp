@@ -6,6 +6,14 @@
 #include <QSet>
 #include <QTimer>
 
+QVPortalHotKeyService::QVPortalHotKeyService(std::unique_ptr<QVGlobalShortcutsSession> session)
+    : QVPortalHotKeyService(*session)
+{
+    m_ownSession = std::move(session);
+}
+
+QVPortalHotKeyService::~QVPortalHotKeyService() = default;
+
 QVPortalHotKeyService::QVPortalHotKeyService(QVGlobalShortcutsSession &session, QObject *parent)
     : QObject(parent)
     , m_session(session)

@@ -7,6 +7,7 @@
 #include <QObject>
 
 #include <functional>
+#include <memory>
 
 class QVGlobalShortcutsSession;
 
@@ -21,6 +22,9 @@ public:
     using EventHandler = std::function<void(const QVEventRef &)>;
 
     explicit QVPortalHotKeyService(QVGlobalShortcutsSession &session, QObject *parent = nullptr);
+    // Owning its session, as Corvane runs it.
+    explicit QVPortalHotKeyService(std::unique_ptr<QVGlobalShortcutsSession> session);
+    ~QVPortalHotKeyService() override;
 
     std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason = nullptr) override;
     void unregisterHotKey(Handle handle) override;
@@ -45,6 +49,7 @@ private:
     void bindNow();
     void deliver(const QString &id, bool press);
 
+    std::unique_ptr<QVGlobalShortcutsSession> m_ownSession; // before m_session, which may refer to it
     QVGlobalShortcutsSession &m_session;
     QMap<Handle, Entry> m_entries;
     Handle m_nextHandle = 1;

@@ -241,10 +241,16 @@ bool QVWaylandPlatform::postMouseButton(bool down, bool rightButton, bool usePri
     return posted;
 }
 
+void QVWaylandPlatform::setHotKeyService(std::unique_ptr<QVHotKeyService> service)
+{
+    m_hotKeys = std::move(service);
+}
+
 std::optional<QVHotKeyService::Handle> QVWaylandPlatform::registerHotKey(
     const QVHotKeyRegistration &registration, QString *reason)
 {
-    Q_UNUSED(registration);
+    if (m_hotKeys)
+        return m_hotKeys->registerHotKey(registration, reason);
     if (reason)
         *reason = QStringLiteral("a wlroots compositor grants no global keys to programs: bind the key in the "
                                  "compositor's configuration to run corvane --perform");
@@ -253,7 +259,8 @@ std::optional<QVHotKeyService::Handle> QVWaylandPlatform::registerHotKey(
 
 void QVWaylandPlatform::unregisterHotKey(Handle handle)
 {
-    Q_UNUSED(handle);
+    if (m_hotKeys)
+        m_hotKeys->unregisterHotKey(handle);
 }
 
 QVKeyboardService::RepeatThresholds QVWaylandPlatform::keyRepeatThresholds() const

@@ -33,6 +33,10 @@ public:
 
     // Reads the compositor's events from the application's event loop.
     void startWatching();
+    // Where the desktop grants keys (a shortcut portal): the service that takes them.
+    // Its presses and releases must be handed to deliverHotKeyEvent.
+    void setHotKeyService(std::unique_ptr<QVHotKeyService> service);
+    void deliverHotKeyEvent(const QVEventRef &event) { deliver(event); }
 
     QVDisplayList displays() const override;
     QVPoint mouseLocation() const override;
@@ -42,7 +46,7 @@ public:
     bool postMouseButton(bool down, bool rightButton, bool usePrivateSource) override;
     std::optional<Handle> registerHotKey(const QVHotKeyRegistration &registration, QString *reason) override;
     void unregisterHotKey(Handle handle) override;
-    bool grantsHotKeys() const override { return false; }
+    bool grantsHotKeys() const override { return m_hotKeys != nullptr; }
     RepeatThresholds keyRepeatThresholds() const override;
     bool takeKeyboard() override;
     void releaseKeyboard() override;
@@ -77,5 +81,6 @@ private:
     std::unique_ptr<QVWaylandSeat> m_seat;
     QList<QVWaylandLayerSurface *> m_overlays; // owned by whoever asked for them
     EventHandler m_handler;
+    std::unique_ptr<QVHotKeyService> m_hotKeys; // none: the compositor binds corvane --perform
     bool m_beepLogged = false;
 };
