@@ -22,7 +22,7 @@ QString QVTestKWin::missingProgram()
     return QFileInfo::exists(installedKWin) ? QString() : QStringLiteral("kwin_wayland");
 }
 
-std::unique_ptr<QVTestKWin> QVTestKWin::start(int outputCount, FakeInput fakeInput, QString *error)
+std::unique_ptr<QVTestKWin> QVTestKWin::start(int outputCount, FakeInput fakeInput, double scale, QString *error)
 {
     std::unique_ptr<QVTestKWin> kwin(new QVTestKWin);
     const QDir directory(kwin->m_directory.path());
@@ -58,7 +58,7 @@ std::unique_ptr<QVTestKWin> QVTestKWin::start(int outputCount, FakeInput fakeInp
         { QStringLiteral("--virtual"), QStringLiteral("--socket"), kwin->socketName(), QStringLiteral("--width"),
             QStringLiteral("1280"), QStringLiteral("--height"), QStringLiteral("800"),
             QStringLiteral("--no-lockscreen"), QStringLiteral("--no-kactivities"), QStringLiteral("--output-count"),
-            QString::number(outputCount) });
+            QString::number(outputCount), QStringLiteral("--scale"), QString::number(scale) });
     if (!kwin->m_kwin.waitForStarted(startDeadlineMilliseconds)) {
         *error = QStringLiteral("cannot start kwin_wayland: %1").arg(kwin->m_kwin.errorString());
         return nullptr;

@@ -18,7 +18,8 @@ public:
 
     // A program the rig needs and cannot find, or a null string.
     static QString missingProgram();
-    static std::unique_ptr<QVTestKWin> start(int outputCount, FakeInput fakeInput, QString *error);
+    // scale: of every output (--scale), the outputs' pixels staying 1280x800.
+    static std::unique_ptr<QVTestKWin> start(int outputCount, FakeInput fakeInput, double scale, QString *error);
     ~QVTestKWin();
 
     // WAYLAND_DISPLAY and XDG_RUNTIME_DIR for a client of this compositor.

@@ -35,6 +35,7 @@ class TestKWinPlatform : public QObject
 private Q_SLOTS:
     void initTestCase();
     void cleanup();
+    void displays_data();
     void displays();
     void motionLandsOnItsPixel_data();
     void motionLandsOnItsPixel();
@@ -44,13 +45,14 @@ private Q_SLOTS:
 
 private:
     // KWin with two outputs, the probe on both, and the platform opened from the environment.
-    bool setUp(FakeInput fakeInput, bool withProbe);
+    bool setUp(FakeInput fakeInput, bool withProbe, double scale = 1);
     bool park(const QVPoint &global, const QString &output, const QPoint &pixel);
     void reset();
 
     std::unique_ptr<QVTestKWin> m_kwin;
     std::unique_ptr<QVTestWaylandProbe> m_probe;
     std::unique_ptr<QVWaylandPlatform> m_platform;
+    double m_scale = 1;
     QString m_error;
 };
 
@@ -74,12 +76,13 @@ void TestKWinPlatform::reset()
     m_kwin.reset();
 }
 
-bool TestKWinPlatform::setUp(FakeInput fakeInput, bool withProbe)
+bool TestKWinPlatform::setUp(FakeInput fakeInput, bool withProbe, double scale)
 {
-    if (m_platform && fakeInput == FakeInput::Granted && withProbe == (m_probe != nullptr))
+    if (m_platform && fakeInput == FakeInput::Granted && withProbe == (m_probe != nullptr) && scale == m_scale)
         return true;
     reset();
-    m_kwin = QVTestKWin::start(2, fakeInput, &m_error);
+    m_scale = scale;
+    m_kwin = QVTestKWin::start(2, fakeInput, scale, &m_error);
     if (!m_kwin)
         return false;
     if (withProbe) {
@@ -106,9 +109,24 @@ bool TestKWinPlatform::park(const QVPoint &global, const QString &output, const 
         && m_probe->waitFor(pointerAt(output, pixel)).hasMatch();
 }
 
+void TestKWinPlatform::displays_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<QString>("pixels");
+    QTest::addColumn<int>("wlOutputScale");
+
+    // The layout is in logical units whatever the scale; wl_output rounds a fraction up.
+    QTest::newRow("unscaled") << 1.0 << QStringLiteral("1280x800") << 1;
+    QTest::newRow("scale 2") << 2.0 << QStringLiteral("2560x1600") << 2;
+    QTest::newRow("scale 1.5") << 1.5 << QStringLiteral("1920x1200") << 2;
+}
+
 void TestKWinPlatform::displays()
 {
-    QVERIFY2(setUp(FakeInput::Granted, true), qPrintable(m_error));
+    QFETCH(double, scale);
+    QFETCH(QString, pixels);
+    QFETCH(int, wlOutputScale);
+    QVERIFY2(setUp(FakeInput::Granted, true, scale), qPrintable(m_error));
     QStringList lines;
     for (const QVDisplay &display : m_platform->displays()) {
         const QVRect &f = display.frame;
@@ -116,29 +134,41 @@ void TestKWinPlatform::displays()
     }
     QCOMPARE(
         lines, (QStringList { QStringLiteral("Virtual-0 0 0 1280 800"), QStringLiteral("Virtual-1 1280 0 1280 800") }));
+    for (const QVWaylandOutput &output : m_platform->outputs()) {
+        QCOMPARE(QStringLiteral("%1x%2").arg(output.pixelSize.width()).arg(output.pixelSize.height()), pixels);
+        QCOMPARE(output.scale, wlOutputScale);
+    }
 }
 
 void TestKWinPlatform::motionLandsOnItsPixel_data()
 {
+    QTest::addColumn<double>("scale");
     QTest::addColumn<QVPoint>("global");
     QTest::addColumn<QString>("output");
     QTest::addColumn<QPoint>("pixel");
 
-    QTest::newRow("on the first") << QVPoint { 100, 200 } << first << QPoint(100, 200);
-    QTest::newRow("fractions floored") << QVPoint { 1000.7, 20.2 } << first << QPoint(1000, 20);
-    QTest::newRow("first's last pixel") << QVPoint { 1279, 799 } << first << QPoint(1279, 799);
-    QTest::newRow("second's first column") << QVPoint { 1280, 0 } << second << QPoint(0, 0);
-    QTest::newRow("second's last pixel") << QVPoint { 2559, 799 } << second << QPoint(1279, 799);
-    QTest::newRow("far right") << QVPoint { 5000, 300 } << second << QPoint(1279, 300);
-    QTest::newRow("above and left of all") << QVPoint { -50, -50 } << first << QPoint(0, 0);
+    QTest::newRow("on the first") << 1.0 << QVPoint { 100, 200 } << first << QPoint(100, 200);
+    QTest::newRow("fractions floored") << 1.0 << QVPoint { 1000.7, 20.2 } << first << QPoint(1000, 20);
+    QTest::newRow("first's last pixel") << 1.0 << QVPoint { 1279, 799 } << first << QPoint(1279, 799);
+    QTest::newRow("second's first column") << 1.0 << QVPoint { 1280, 0 } << second << QPoint(0, 0);
+    QTest::newRow("second's last pixel") << 1.0 << QVPoint { 2559, 799 } << second << QPoint(1279, 799);
+    QTest::newRow("far right") << 1.0 << QVPoint { 5000, 300 } << second << QPoint(1279, 300);
+    QTest::newRow("above and left of all") << 1.0 << QVPoint { -50, -50 } << first << QPoint(0, 0);
+    // Fake input takes logical units: device pixels would land at half the distance.
+    QTest::newRow("scale 2, on the first") << 2.0 << QVPoint { 700, 500 } << first << QPoint(700, 500);
+    QTest::newRow("scale 2, first's last pixel") << 2.0 << QVPoint { 1279, 799 } << first << QPoint(1279, 799);
+    QTest::newRow("scale 2, on the second") << 2.0 << QVPoint { 1900, 10 } << second << QPoint(620, 10);
+    QTest::newRow("scale 1.5, on the second") << 1.5 << QVPoint { 2000, 700 } << second << QPoint(720, 700);
+    QTest::newRow("scale 1.5, second's first column") << 1.5 << QVPoint { 1280, 0 } << second << QPoint(0, 0);
 }
 
 void TestKWinPlatform::motionLandsOnItsPixel()
 {
+    QFETCH(double, scale);
     QFETCH(QVPoint, global);
     QFETCH(QString, output);
     QFETCH(QPoint, pixel);
-    QVERIFY2(setUp(FakeInput::Granted, true), qPrintable(m_error));
+    QVERIFY2(setUp(FakeInput::Granted, true, scale), qPrintable(m_error));
     QVERIFY(park({ 7, 9 }, first, QPoint(7, 9)));
 
     QVERIFY(m_platform->postMouseMoved(global));
