@@ -284,8 +284,8 @@ std::optional<QVHotKeyService::Handle> QVWaylandPlatform::registerHotKey(
 {
     Q_UNUSED(registration);
     if (reason)
-        *reason = QStringLiteral("a wlroots compositor grants no global keys to programs: bind the key in the "
-                                 "compositor's configuration to run corvane --perform");
+        *reason = QStringLiteral("on Wayland Corvane takes no global keys itself: bind the key in the "
+                                 "compositor's settings to run corvane --perform");
     return std::nullopt;
 }
 

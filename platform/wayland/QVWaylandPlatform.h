@@ -19,9 +19,10 @@ struct wl_surface;
 
 // The platform port on a wlroots compositor (sway, Hyprland, river, labwc, Wayfire)
 // or KWin, on a connection of its own: outputs from wl_output and xdg-output, pointer
-// input through a virtual pointer or KWin's fake input. The compositor grants no global keys to clients and
-// tells none where the pointer is: the hot key service refuses (the compositor's
-// key bindings run corvane --perform instead), and the pointer location is a model.
+// input through a virtual pointer or KWin's fake input. The compositor grants no
+// global keys to clients and tells none where the pointer is: the hot key service
+// refuses (the compositor's key bindings run corvane --perform instead), and the
+// pointer location is a model.
 class QVWaylandPlatform final : public QVPlatform
 {
 public:
