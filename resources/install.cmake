@@ -22,7 +22,19 @@ foreach(file ${corvane_help_files})
 endforeach()
 
 # --- desktop integration --------------------------------------------------------------------------
-install(FILES ${corvane_resources}/org.corvane.Corvane.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+# KWin grants its fake input only to the program an entry names by its absolute path: the
+# path where this very install puts the binary, which `--prefix` and cpack may change after
+# configuring, so the entry is written when installing.
+install(CODE "
+    set(bindir \"${CMAKE_INSTALL_BINDIR}\")
+    if(NOT IS_ABSOLUTE \"\${bindir}\")
+        set(bindir \"\${CMAKE_INSTALL_PREFIX}/\${bindir}\")
+    endif()
+    set(CORVANE_EXEC \"\${bindir}/corvane\")
+    configure_file(\"${corvane_resources}/org.corvane.Corvane.desktop.in\"
+        \"${CMAKE_CURRENT_BINARY_DIR}/org.corvane.Corvane.desktop\" @ONLY)
+")
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/org.corvane.Corvane.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${corvane_resources}/org.corvane.Corvane.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 install(FILES ${corvane_resources}/icons/corvane.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 install(FILES ${corvane_resources}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})

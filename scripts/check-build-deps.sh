@@ -54,6 +54,15 @@ for component in $components; do
     add_input "Qt6 component $component" "$qt_cmake_dir/Qt6$component/Qt6${component}Config.cmake"
 done
 
+# --- other CMake packages (PlasmaWaylandProtocols) ---------------------------------------------------
+packages=$(grep -ho 'find_package([A-Za-z0-9_]*' $cmake_files | sed 's/find_package(//' |
+    grep -v -e '^Qt6$' -e '^PkgConfig$' -e '^Threads$' | sort -u)
+for package in $packages; do
+    config=$(find /usr/lib/*/cmake /usr/lib/cmake /usr/share/cmake -maxdepth 2 -name "${package}Config.cmake" \
+        2>/dev/null | head -1)
+    add_input "CMake package $package" "$config"
+done
+
 # --- system headers ---------------------------------------------------------------------------------
 include_dirs=(/usr/include /usr/include/"$(gcc -dumpmachine)" /usr/include/c++/*)
 headers=$(grep -ho '#include <[^>]*>' $sources | sed 's/#include <\(.*\)>/\1/' | grep -v '^Q' | sort -u)

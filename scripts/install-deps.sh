@@ -11,7 +11,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins qt6-svg-dev qt6-tools-dev qt6-l10n-tools
     libxcb1-dev libxcb-xtest0-dev libxcb-xkb-dev libxcb-randr0-dev libxcb-xinput-dev
     libxcb-keysyms1-dev libxcb-shape0-dev libxkbcommon-dev x11proto-dev
-    libwayland-dev wayland-protocols qt6-wayland
+    libwayland-dev wayland-protocols plasma-wayland-protocols qt6-wayland
 )
 case "${1:-}" in
 --list)
@@ -21,7 +21,7 @@ case "${1:-}" in
 --tests)
     packages+=(xvfb xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils x11-utils xdotool xcompmgr picom keynav
         dbus at-spi2-core python3-pyatspi trayer imagemagick appstream desktop-file-utils dpkg-dev
-        sway grim wayland-utils python3-dbus python3-gi)
+        sway grim wayland-utils kwin-wayland python3-dbus python3-gi)
     ;;
 esac
 

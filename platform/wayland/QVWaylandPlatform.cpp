@@ -2,17 +2,21 @@
 
 #include "QVLog.h"
 #include "QVWaylandConnection.h"
+#include "QVWaylandFakeInput.h"
 #include "QVWaylandKeyboard.h"
 #include "QVWaylandLayerSurface.h"
 #include "QVWaylandOutputs.h"
 #include "QVWaylandPointer.h"
 #include "QVWaylandSeat.h"
+#include "QVWaylandVirtualPointer.h"
+#include "fake-input-client-protocol.h"
 #include "virtual-keyboard-unstable-v1-client-protocol.h"
 #include "wlr-layer-shell-unstable-v1-client-protocol.h"
 #include "wlr-virtual-pointer-unstable-v1-client-protocol.h"
 #include "xdg-output-unstable-v1-client-protocol.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 #include <wayland-client.h>
 
@@ -28,9 +32,13 @@ struct QVWaylandGlobals {
     zxdg_output_manager_v1 *outputManager = nullptr;
     zwlr_virtual_pointer_manager_v1 *pointerManager = nullptr;
     zwp_virtual_keyboard_manager_v1 *keyboardManager = nullptr;
+    org_kde_kwin_fake_input *fakeInput = nullptr; // until a device takes it over
+    bool kwin = false;
 
     ~QVWaylandGlobals()
     {
+        if (fakeInput)
+            org_kde_kwin_fake_input_destroy(fakeInput);
         if (layerShell)
             zwlr_layer_shell_v1_destroy(layerShell);
         if (shm)
@@ -49,6 +57,27 @@ struct QVWaylandGlobals {
             wl_seat_destroy(seat);
     }
 };
+
+namespace
+{
+
+QString noPointerDeviceMessage(bool kwin)
+{
+    if (kwin) {
+        // KWin compares the path of the running executable with the entries' Exec.
+        const QString executable = QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget();
+        return QStringLiteral("KWin withholds its fake input (org_kde_kwin_fake_input) from %1: it grants it only to "
+                              "a program whose desktop entry (org.corvane.Corvane.desktop, as installed in "
+                              "share/applications) has Exec=%1 and X-KDE-Wayland-Interfaces=org_kde_kwin_fake_input; "
+                              "install Corvane and run the installed program")
+            .arg(executable);
+    }
+    return QStringLiteral("the Wayland compositor offers no virtual pointer (zwlr_virtual_pointer_manager_v1) and "
+                          "no fake input (org_kde_kwin_fake_input): this back end needs a wlroots compositor "
+                          "(sway, Hyprland, river, labwc, Wayfire) or KDE Plasma");
+}
+
+} // namespace
 
 std::unique_ptr<QVWaylandPlatform> QVWaylandPlatform::open(QString *error, const QString &socketName)
 {
@@ -116,7 +145,13 @@ void QVWaylandPlatform::bindGlobal(const QByteArray &kind, quint32 name, quint32
         globals.keyboardManager
             = static_cast<zwp_virtual_keyboard_manager_v1 *>(bind(&zwp_virtual_keyboard_manager_v1_interface, 1));
         m_keyboard->setVirtualKeyboardManager(globals.keyboardManager);
+    } else if (kind == org_kde_kwin_fake_input_interface.name && !globals.fakeInput
+        && version >= QVWaylandFakeInput::minimumVersion) {
+        globals.fakeInput = static_cast<org_kde_kwin_fake_input *>(bind(&org_kde_kwin_fake_input_interface, 4));
     }
+    // KWin's own interfaces tell it apart, to say what it needs when fake input is refused.
+    if (kind.startsWith("org_kde_kwin_"))
+        globals.kwin = true;
 }
 
 void QVWaylandPlatform::outputRemoved(quint32 globalName)
@@ -166,14 +201,17 @@ bool QVWaylandPlatform::initialize(QString *error)
             return false;
         }
     }
-    if (!globals.pointerManager) {
-        *error = QStringLiteral("the Wayland compositor offers no virtual pointer (zwlr_virtual_pointer_manager_v1): "
-                                "this back end needs a wlroots compositor");
+    // The virtual pointer where both exist: it takes no permission.
+    if (globals.pointerManager) {
+        m_pointer->setDevice(std::make_unique<QVWaylandVirtualPointer>(globals.pointerManager, globals.seat));
+    } else if (globals.fakeInput) {
+        m_pointer->setDevice(std::make_unique<QVWaylandFakeInput>(std::exchange(globals.fakeInput, nullptr)));
+    } else {
+        *error = noPointerDeviceMessage(globals.kwin);
         return false;
     }
     if (!m_keyboard->createVirtualKeyboard())
         QVLog(QStringLiteral("the Wayland compositor offers no virtual keyboard: clicks carry the modifiers held"));
-    m_pointer->create(globals.pointerManager, globals.seat);
     m_connection->flush();
     if (QCoreApplication::instance())
         startWatching();
@@ -252,8 +290,8 @@ std::optional<QVHotKeyService::Handle> QVWaylandPlatform::registerHotKey(
     if (m_hotKeys)
         return m_hotKeys->registerHotKey(registration, reason);
     if (reason)
-        *reason = QStringLiteral("a wlroots compositor grants no global keys to programs: bind the key in the "
-                                 "compositor's configuration to run corvane --perform");
+        *reason = QStringLiteral("on Wayland Corvane takes no global keys itself: bind the key in the "
+                                 "compositor's settings to run corvane --perform");
     return std::nullopt;
 }
 

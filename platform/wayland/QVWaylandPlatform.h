@@ -17,16 +17,17 @@ class QVWaylandSeat;
 struct QVWaylandGlobals;
 struct wl_surface;
 
-// The platform port on a wlroots compositor (sway, Hyprland, river, labwc, Wayfire),
-// on a connection of its own: outputs from wl_output and xdg-output, pointer input
-// through a virtual pointer. The compositor grants no global keys to clients and
-// tells none where the pointer is: the hot key service refuses (the compositor's
-// key bindings run corvane --perform instead), and the pointer location is a model.
+// The platform port on a wlroots compositor (sway, Hyprland, river, labwc, Wayfire)
+// or KWin, on a connection of its own: outputs from wl_output and xdg-output, pointer
+// input through a virtual pointer or KWin's fake input. The compositor grants no
+// global keys to clients and tells none where the pointer is: the hot key service
+// refuses (the compositor's key bindings run corvane --perform instead), and the
+// pointer location is a model.
 class QVWaylandPlatform final : public QVPlatform
 {
 public:
     // Connects to the compositor named by WAYLAND_DISPLAY, or by socketName. Nothing,
-    // with error set, when there is none or it offers no virtual pointer. Opened
+    // with error set, when there is none or it offers no device to move the pointer. Opened
     // before the application exists, it reads events only from startWatching() on.
     static std::unique_ptr<QVWaylandPlatform> open(QString *error, const QString &socketName = QString());
     ~QVWaylandPlatform() override;

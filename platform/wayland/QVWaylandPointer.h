@@ -2,17 +2,16 @@
 
 #include <QPoint>
 
+#include <memory>
 #include <optional>
 
 class QVWaylandConnection;
 class QVWaylandOutputs;
-struct wl_seat;
-struct zwlr_virtual_pointer_manager_v1;
-struct zwlr_virtual_pointer_v1;
+class QVWaylandPointerDevice;
 
-// A virtual pointer device (wlroots' protocol) and Corvane's model of where the
-// pointer is: Wayland tells no client the global position, so the model is the
-// last place Corvane put the pointer, or what one of its surfaces learnt since.
+// Corvane's model of where the pointer is, and the device that moves it: Wayland
+// tells no client the global position, so the model is the last place Corvane put
+// the pointer, or what one of its surfaces learnt since.
 class QVWaylandPointer final
 {
 public:
@@ -21,8 +20,8 @@ public:
     QVWaylandPointer(const QVWaylandPointer &) = delete;
     QVWaylandPointer &operator=(const QVWaylandPointer &) = delete;
 
-    void create(zwlr_virtual_pointer_manager_v1 *manager, wl_seat *seat);
-    bool isAvailable() const { return m_pointer != nullptr; }
+    void setDevice(std::unique_ptr<QVWaylandPointerDevice> device);
+    bool isAvailable() const { return m_device != nullptr; }
 
     // Puts the pointer on a pixel of the layout (logical units, y down).
     bool moveTo(const QPoint &layoutPixel);
@@ -40,6 +39,6 @@ public:
 private:
     QVWaylandConnection &m_connection;
     const QVWaylandOutputs &m_outputs;
-    zwlr_virtual_pointer_v1 *m_pointer = nullptr;
+    std::unique_ptr<QVWaylandPointerDevice> m_device;
     std::optional<QPoint> m_location;
 };

@@ -36,9 +36,13 @@ done
 
 # The desktop entry launches what is installed, under the icon that is installed.
 desktop=$scratch/stage/usr/share/applications/org.corvane.Corvane.desktop
-exec_name=$(sed -n 's/^Exec=\([^ ]*\).*/\1/p' "$desktop")
+# KWin's fake input needs the absolute path of the installed binary, and the interface named.
+exec_path=$(sed -n 's/^Exec=\([^ ]*\).*/\1/p' "$desktop")
 icon_name=$(sed -n 's/^Icon=//p' "$desktop")
-grep -qxF "usr/bin/$exec_name" "$scratch/installed" || fail "the desktop entry runs '$exec_name', which is not installed"
+[[ $exec_path == /usr/bin/corvane ]] || fail "the desktop entry runs '$exec_path', not the installed /usr/bin/corvane"
+grep -qxF "${exec_path#/}" "$scratch/installed" || fail "the desktop entry runs '$exec_path', which is not installed"
+grep -qxF "X-KDE-Wayland-Interfaces=org_kde_kwin_fake_input" "$desktop" ||
+    fail "the desktop entry does not ask KWin for its fake input"
 grep -qxF "usr/share/icons/hicolor/scalable/apps/$icon_name.svg" "$scratch/installed" ||
     fail "the desktop entry shows icon '$icon_name', which is not installed"
 if command -v desktop-file-validate >/dev/null; then
