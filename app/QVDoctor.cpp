@@ -101,13 +101,14 @@ QString QVDoctor::waylandVerdict(const Findings &findings, const QVWaylandBacken
         *fixes << QStringLiteral("the compositor: %1").arg(findings.compositorError);
         return QStringLiteral("Wayland, unreachable: %1").arg(findings.compositorError);
     }
-    if (plan.pointer == QVWaylandBackendPlan::Pointer::VirtualPointer)
+    if (plan.pointer == QVWaylandBackendPlan::Pointer::VirtualPointer
+        || plan.pointer == QVWaylandBackendPlan::Pointer::FakeInput)
         return QStringLiteral("Wayland");
-    // Only the virtual pointer is driven natively so far; elsewhere XWayland serves.
+    // The remote desktop portal is not driven yet: XWayland serves where there is one.
     if (!findings.session.display.isEmpty())
         return QStringLiteral("X11 through XWayland (reaches X11 windows only): this Corvane drives Wayland "
-                              "itself where the compositor offers a virtual pointer");
-    *fixes << QStringLiteral("window system: this Corvane needs a virtual pointer (wlroots compositors) or "
-                             "XWayland ($DISPLAY)");
-    return QStringLiteral("none: no virtual pointer and no XWayland");
+                              "itself through a virtual pointer (wlroots) or KWin's fake input");
+    *fixes << QStringLiteral("window system: this Corvane needs a virtual pointer (wlroots compositors), KWin's "
+                             "fake input, or XWayland ($DISPLAY)");
+    return QStringLiteral("none: no virtual pointer, no fake input and no XWayland");
 }

@@ -2,6 +2,9 @@
 
 #include <QtGlobal>
 
+#include <array>
+#include <utility>
+
 // Modifier flags as stored and passed around: the device-independent bits above
 // bit 16, the side of each modifier key in the low bits.
 namespace QVModifierFlag
@@ -35,6 +38,25 @@ constexpr quint32 Option = 0x800;
 constexpr quint32 Control = 0x1000;
 constexpr quint32 Function = 0x20000;
 } // namespace QVCarbonModifier
+
+// The modifiers both notations know: each stored flag beside its Carbon bit.
+inline constexpr std::array<std::pair<quint64, quint32>, 5> QVModifierFlagCarbonPairs { {
+    { QVModifierFlag::Control, QVCarbonModifier::Control },
+    { QVModifierFlag::Shift, QVCarbonModifier::Shift },
+    { QVModifierFlag::Command, QVCarbonModifier::Command },
+    { QVModifierFlag::Option, QVCarbonModifier::Option },
+    { QVModifierFlag::Function, QVCarbonModifier::Function },
+} };
+
+constexpr quint64 QVModifierFlagsFromCarbonModifiers(quint32 carbon)
+{
+    quint64 flags = 0;
+    for (const auto &[flag, bit] : QVModifierFlagCarbonPairs) {
+        if (carbon & bit)
+            flags |= flag;
+    }
+    return flags;
+}
 
 // The stored flags for the modifier state of an X key event (Shift, Lock, Control,
 // Mod1 as Option, Mod4 as Command), without the sides of the keys.

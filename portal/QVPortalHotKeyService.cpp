@@ -1,6 +1,7 @@
 #include "QVPortalHotKeyService.h"
 
 #include "QVGlobalShortcutsSession.h"
+#include "QVModifierFlagBits.h"
 #include "QVXdgShortcutTrigger.h"
 
 #include <QSet>
@@ -93,6 +94,8 @@ void QVPortalHotKeyService::deliver(const QString &id, bool press)
         event->subtype = press ? QVEvent::HotKeyPressed : QVEvent::HotKeyReleased;
         event->data1 = it.key();
         event->keyCode = it->registration.keyCode;
+        // The desktop says which shortcut, not which keys: the registered ones were held.
+        event->modifierFlags = QVModifierFlagsFromCarbonModifiers(it->registration.carbonModifiers);
         m_handler(event);
         // A release ends the repetition whichever registration it was: one event is enough.
         if (!press)

@@ -3,7 +3,12 @@
 // pointer lands on each output and what the clicked window hears; grim shows the
 // screen section overlay.
 #include "QVCorvaneProcess.h"
+#include "QVTestSessionBus.h"
 #include "QVTestWaylandSession.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
 
 #include <QJsonArray>
 #include <QtTest>
@@ -115,6 +120,7 @@ private Q_SLOTS:
     void overlayMovesToTheScaledOutputAndEscapes();
     void outputRemovedUnderTheOverlay();
     void outputRemovedDuringRepetition();
+    void portalShortcutsDriveControls();
 
 private:
     // sway with both outputs, the probe, and a corvane of this sway's.
@@ -418,6 +424,74 @@ void TestWaylandPerform::outputRemovedDuringRepetition()
     QTest::qWait(200); // repetitions on the output that is left
     QVERIFY(perform(QStringLiteral("right"), true));
     QVERIFY(m_corvane->isRunning());
+    QVERIFY(performLandsAt(QStringLiteral("center"), primary, QPoint(896, 540)));
+}
+
+// Where the desktop's shortcut portal fires (Hyprland here, played by sway and a
+// fake portal on a private bus), the hot key goes to the portal, and its press and
+// release drive the control as a key held down would.
+void TestWaylandPerform::portalShortcutsDriveControls()
+{
+    QVERIFY2(setUp(), qPrintable(m_error));
+    QVERIFY(centreOnPrimary());
+    QVTestSessionBus bus;
+    QVERIFY2(bus.start(&m_error), qPrintable(m_error));
+    QProcess portal;
+    QProcessEnvironment portalEnvironment = QProcessEnvironment::systemEnvironment();
+    portalEnvironment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
+    portal.setProcessEnvironment(portalEnvironment);
+    portal.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    portal.start(QStringLiteral("/usr/bin/python3"), { QStringLiteral(CORVANE_FAKE_PORTAL) });
+    const auto stopPortal = qScopeGuard([&portal] {
+        if (portal.state() == QProcess::Running && portal.processId() > 0) {
+            ::kill(pid_t(portal.processId()), SIGTERM);
+            portal.waitForFinished(5000);
+        }
+    });
+    const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
+    QTRY_VERIFY_WITH_TIMEOUT(bus.connection().interface()->isServiceRegistered(service).value(), 10000);
+
+    // Move Right by 10 on Ctrl+Alt+Right.
+    const QString settings = m_directory.filePath(QStringLiteral("portal.json"));
+    QVCorvaneProcess::writeSettings(settings,
+        { { QStringLiteral("Custom Controls"),
+              QJsonArray { QVCorvaneProcess::control(31, 114, 0x40000 | 0x80000, // Control, Option
+                  { { QStringLiteral("Move Direction"), 5 }, { QStringLiteral("Move Delta"), 10 } }) } },
+            { QStringLiteral("Stealth Mode"), true } });
+    QProcessEnvironment environment = m_session.sway().clientEnvironment();
+    environment.insert(QStringLiteral("XDG_CURRENT_DESKTOP"), QStringLiteral("Hyprland"));
+    QVCorvaneProcess corvane(environment, settings);
+    corvane.joinSessionBus(bus.address());
+    QVERIFY2(corvane.start(), qPrintable(corvane.log()));
+    QVERIFY2(corvane.log().contains(QLatin1String("hot keys: global shortcuts portal")), qPrintable(corvane.log()));
+
+    const auto fakePortal = [&bus](const QString &method, const QVariantList &arguments = {}) {
+        QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"),
+            QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.corvane.test.FakePortal"), method);
+        call.setArguments(arguments);
+        const QDBusMessage reply = bus.connection().call(call);
+        return reply.arguments().value(0);
+    };
+    // The desktop got the key as the preferred trigger.
+    const auto bound
+        = [&fakePortal] { return qdbus_cast<QMap<QString, QString>>(fakePortal(QStringLiteral("Bound"))); };
+    QTRY_VERIFY2_WITH_TIMEOUT(bound().size() == 1, qPrintable(corvane.log()), 10000);
+    QCOMPARE(bound().first(), QStringLiteral("CTRL+ALT+Right"));
+    const QString shortcut = bound().firstKey();
+    const QString session
+        = qdbus_cast<QList<QDBusObjectPath>>(fakePortal(QStringLiteral("Sessions"))).constFirst().path();
+
+    // Pressed: one step at once, more while held; released: no more.
+    m_session.probe().skipAll();
+    fakePortal(QStringLiteral("Fire"), { QVariant::fromValue(QDBusObjectPath(session)), shortcut, true, QString() });
+    QVERIFY(m_session.probe().waitFor(QVTestWaylandSession::pointerAt(primary, QPoint(906, 540))).hasMatch());
+    QTRY_VERIFY_WITH_TIMEOUT(lastPointer().x() >= 936, 5000);
+    fakePortal(QStringLiteral("Fire"), { QVariant::fromValue(QDBusObjectPath(session)), shortcut, false, QString() });
+    QTest::qWait(150);
+    const QPointF released = lastPointer();
+    QTest::qWait(400);
+    QCOMPARE(lastPointer(), released);
+    QCOMPARE(corvane.stop(SIGTERM), 0);
     QVERIFY(performLandsAt(QStringLiteral("center"), primary, QPoint(896, 540)));
 }
 
