@@ -26,10 +26,23 @@ QVariant property(const QDBusConnection &bus, const QString &service, const QStr
 
 QVWaylandDesktopFacts QVDesktopInventory::gather(const QDBusConnection &bus, QString *error)
 {
+    QVWaylandDesktopFacts facts = desktopFacts(bus, true);
+    facts.globals = compositorGlobals(error);
+    return facts;
+}
+
+QVWaylandDesktopFacts QVDesktopInventory::shortcutFacts(const QDBusConnection &bus)
+{
+    return desktopFacts(bus, false);
+}
+
+QVWaylandDesktopFacts QVDesktopInventory::desktopFacts(const QDBusConnection &bus, bool alwaysAskPortal)
+{
     QVWaylandDesktopFacts facts;
     facts.desktops = QVWaylandDesktopFacts::desktopsFromEnvironment(qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
-    facts.globals = compositorGlobals(error);
-    if (bus.isConnected()) {
+    // The portal may have to be started to answer: not asked where its answer changes nothing.
+    const bool ask = alwaysAskPortal || QVWaylandBackendPlan::desktopFiresPortalShortcuts(facts);
+    if (ask && bus.isConnected()) {
         facts.portalVersions = portalVersions(bus);
         if (facts.desktops.contains(QLatin1String("GNOME"), Qt::CaseInsensitive))
             facts.desktopVersion = gnomeShellVersion(bus);

@@ -12,8 +12,13 @@ class QVDesktopInventory final
 public:
     // error: set when the compositor cannot be reached (the globals stay empty).
     static QVWaylandDesktopFacts gather(const QDBusConnection &bus, QString *error);
+    // What decides the hot keys alone: the desktop, and the portal only where it can matter.
+    static QVWaylandDesktopFacts shortcutFacts(const QDBusConnection &bus);
     static QSet<QByteArray> compositorGlobals(QString *error);
     // The interfaces of org.freedesktop.portal.Desktop that answer, by short name.
     static QMap<QString, uint> portalVersions(const QDBusConnection &bus);
     static QVersionNumber gnomeShellVersion(const QDBusConnection &bus);
+
+private:
+    static QVWaylandDesktopFacts desktopFacts(const QDBusConnection &bus, bool alwaysAskPortal);
 };

@@ -113,16 +113,8 @@ std::unique_ptr<QVPlatform> QVPlatformOpening::finish(const QString &settingsPat
 
 void QVPlatformOpening::attachDesktopHotKeys(QVWaylandPlatform &platform, const QString &settingsPath)
 {
-    QVWaylandDesktopFacts facts;
-    facts.desktops = QVWaylandDesktopFacts::desktopsFromEnvironment(qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
     const QDBusConnection bus = QDBusConnection::sessionBus();
-    // Asked only where the answer matters: the portal may have to be started for it.
-    if (QVWaylandBackendPlan::desktopFiresPortalShortcuts(facts) && bus.isConnected()) {
-        facts.portalVersions = QVDesktopInventory::portalVersions(bus);
-        if (facts.desktops.contains(QLatin1String("GNOME"), Qt::CaseInsensitive))
-            facts.desktopVersion = QVDesktopInventory::gnomeShellVersion(bus);
-    }
-    const QVWaylandBackendPlan plan = QVWaylandBackendPlan::forDesktop(facts);
+    const QVWaylandBackendPlan plan = QVWaylandBackendPlan::forDesktop(QVDesktopInventory::shortcutFacts(bus));
     QVLog(QStringLiteral("hot keys: %1").arg(plan.hotKeysReason));
     if (plan.hotKeys != QVWaylandBackendPlan::HotKeys::Portal)
         return;

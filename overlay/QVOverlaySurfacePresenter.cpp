@@ -1,6 +1,8 @@
 #include "QVOverlaySurfacePresenter.h"
 
+#include "QVActionCodes.h"
 #include "QVPlatform.h"
+#include "QVScreenGeometry.h"
 
 #include <QPainter>
 
@@ -50,13 +52,7 @@ const QVDisplay *QVOverlaySurfacePresenter::displayCoveredBy(const QVRect &frame
         if (display.frame == frame)
             return &display;
     }
-    const QVPoint centre = frame.center();
-    for (const QVDisplay &display : displays) {
-        const QVRect &f = display.frame;
-        if (centre.x >= f.x && centre.x < f.maxX() && centre.y >= f.y && centre.y < f.maxY())
-            return &display;
-    }
-    return nullptr;
+    return screenAtPosition(QVPosition::None, frame.center(), displays);
 }
 
 bool QVOverlaySurfacePresenter::isVisible() const
